@@ -1,0 +1,76 @@
+// pdlib-run: the phase-detection library driven as a camera framework drives it, once, on a
+// statistic buffer from a file.
+#include <cstdio>
+#include <exception>
+#include <iostream>
+
+#include "calibrationfile.h"
+#include "framesetup.h"
+#include "orvolog.h"
+#include "pdlibhost.h"
+#include "runerrors.h"
+#include "runoptions.h"
+#include "statsbuffer.h"
+#include "windowreport.h"
+
+namespace
+{
+int Fail(const std::exception& error, int status)
+{
+    std::fprintf(stderr, "pdlib-run: %s\n", error.what());
+    return status;
+}
+
+int Run(const pdlibrun::RunOptions& options)
+{
+    using namespace pdlibrun;
+
+    // Declared before the host: the engine points into the calibration until the camera closes.
+    PDAFDCCCalibrationData calibration = LoadCalibration(options.calibrationPath);
+    std::vector<uint8_t> buffer = ReadStatsBuffer(options.statsPath, options.format);
+    std::unique_ptr<PDLibCreateParams> createParams = MakeCreateParams(options, &calibration);
+    std::unique_ptr<PDLibInputs> inputs = MakeFrameInputs(options, buffer);
+    auto outputs = std::make_unique<PDLibOutputs>();
+
+    if (!options.verbose)
+    {
+        // As a device with default log settings: only error lines of the library get through.
+        Orvo::Log::LoadLogSettings(0);
+    }
+
+    PdLibHost host(options.libraryPath);
+    KelResult result = host.Initialize(*createParams);
+    if (KelResultSuccess != result)
+    {
+        throw LibraryError("PDLibInitialize failed: result " + std::to_string(result));
+    }
+    result = host.Process(*inputs, outputs.get());
+
+    if (options.json)
+    {
+        PrintWindowJson(std::cout, outputs->libOutput, result);
+    }
+    else
+    {
+        PrintWindowTables(std::cout, outputs->libOutput, result);
+    }
+    return (KelResultSuccess == result) ? 0 : ExitLibraryError;
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try
+    {
+        std::optional<pdlibrun::RunOptions> options = pdlibrun::ParseRunOptions(argc, argv, PDLIB_RUN_DEFAULT_LIBRARY);
+        return options ? Run(*options) : 0;
+    }
+    catch (const pdlibrun::InputError& error)
+    {
+        return Fail(error, pdlibrun::ExitInputError);
+    }
+    catch (const pdlibrun::LibraryError& error)
+    {
+        return Fail(error, pdlibrun::ExitLibraryError);
+    }
+}
