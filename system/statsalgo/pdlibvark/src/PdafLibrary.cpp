@@ -28,27 +28,26 @@ struct AxisPosition
 };
 
 // The first section whose knots enclose the centre, or 0: a centre exactly on an inner knot
-// falls in the lower section.
+// falls in the lower section. Called only on knots that job_check_input found strictly
+// increasing: there a centre outside the knots has section 0, and for one inside, the enclosing
+// section is the first whose upper knot reaches it.
 AxisPosition LocateOnAxis(const uint16_t* pKnots, uint16_t knotCount, uint16_t centre)
 {
-    AxisPosition position = {Place::Inside, 0};
-    for (uint32_t i = 0; i + 1 < knotCount; i++)
-    {
-        if ((pKnots[i] <= centre) && (centre <= pKnots[i + 1]))
-        {
-            position.section = i;
-            break;
-        }
-    }
     if (centre < pKnots[0])
     {
-        position.place = Place::Before;
+        return {Place::Before, 0};
     }
-    else if (centre > pKnots[knotCount - 1])
+    if (centre > pKnots[knotCount - 1])
     {
-        position.place = Place::After;
+        return {Place::After, 0};
     }
-    return position;
+    // Stops at the last knot at the latest.
+    uint32_t section = 0;
+    while (pKnots[section + 1] < centre)
+    {
+        section++;
+    }
+    return {Place::Inside, section};
 }
 
 long Line(long x0, long x1, long y0, long y1, long at)

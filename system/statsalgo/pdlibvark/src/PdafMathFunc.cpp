@@ -68,16 +68,14 @@ signed char CalcAddressOnBrokenLine_ulXulY(unsigned long* pf_x, unsigned long* p
     {
         return -1;
     }
-    for (unsigned long k = 0; k < f_PointNum; k++)
+    // A y above the limit and a decreasing x refuse the line alike: one pass finds either.
+    if (pf_y[0] > MaxInterpolatedValue)
     {
-        if (pf_y[k] > MaxInterpolatedValue)
-        {
-            return -1;
-        }
+        return -1;
     }
     for (unsigned long k = 1; k < f_PointNum; k++)
     {
-        if (pf_x[k] < pf_x[k - 1])
+        if ((pf_y[k] > MaxInterpolatedValue) || (pf_x[k] < pf_x[k - 1]))
         {
             return -1;
         }
@@ -94,21 +92,19 @@ signed char CalcAddressOnBrokenLine_ulXulY(unsigned long* pf_x, unsigned long* p
         return 0;
     }
 
-    // A value on an inner knot takes the segment below it.
-    for (unsigned long k = 0; k < last; k++)
+    // Here x[0] <= f_xx <= x[last] on non-decreasing x, so the first segment whose upper end
+    // reaches f_xx encloses it, and there always is one: the search stops at the last point at
+    // the latest. A value on an inner knot takes the segment below it.
+    unsigned long k = 0;
+    while (pf_x[k + 1] < f_xx)
     {
-        if ((pf_x[k] <= f_xx) && (f_xx <= pf_x[k + 1]))
-        {
-            long x[2] = {static_cast<long>(pf_x[k]), static_cast<long>(pf_x[k + 1])};
-            long y[2] = {static_cast<long>(pf_y[k]), static_cast<long>(pf_y[k + 1])};
-            long value = 0;
-            CalcAddressOnLine_slXslY(x, y, static_cast<long>(f_xx), &value);
-            *pf_yy = (value < 0) ? 0 : static_cast<unsigned long>(value);
-            return 0;
-        }
+        k++;
     }
-
-    *pf_yy = 0;
+    long x[2] = {static_cast<long>(pf_x[k]), static_cast<long>(pf_x[k + 1])};
+    long y[2] = {static_cast<long>(pf_y[k]), static_cast<long>(pf_y[k + 1])};
+    long value = 0;
+    CalcAddressOnLine_slXslY(x, y, static_cast<long>(f_xx), &value);
+    *pf_yy = (value < 0) ? 0 : static_cast<unsigned long>(value);
     return 0;
 }
 
