@@ -1,0 +1,341 @@
+// pdlib-run as its users run it: a subprocess, judged by its exit status, its output and its
+// error lines.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "statslayout.h"
+#include "subprocess.h"
+
+namespace
+{
+using nlohmann::json;
+using testsupport::ProcessResult;
+
+// A 2 x 2 calibration whose one patch spans the default AF window (fractions 0.25 to 0.75 of
+// 4000 x 3000, centre (2000, 1500)). The centre sits in the middle of the patch, so the defocus
+// is the mean of the four corners: slope 0.625 (640 in x1024 fixed point) times the phase in
+// 1/16 pixel, plus the mean offset 150.
+const char* const PatchCalibration = R"({
+  "knotXCount": 2, "knotYCount": 2,
+  "slopeOffsetAddressX": [1000, 3000], "slopeOffsetAddressY": [750, 2250],
+  "slopeData": [0.25, 0.5, 0.75, 1.0], "offsetData": [0, 100, 200, 300]
+})";
+
+struct WindowRecord
+{
+    uint32_t confidence;
+    int32_t  rawPhase; ///< 1/16 pixel
+};
+
+// Format 2, flexible mode (8 windows in a row). The default threshold is 100.
+const WindowRecord PatchWindows[] = {
+    {100, 32},    // exactly at the threshold: level 1024, reported 1023; phase 2.0
+    {50, -24},    // half the threshold: level 512; phase -1.5
+    {0, -1024},   // the 11-bit format's "no phase" value: level 0, defocus still computed
+    {2047, 0},    // phase 0: the mean offset alone
+    {0, 0}, {0, 0}, {0, 0}, {0, 0},
+};
+
+const uint32_t FlexibleMode = 2;
+
+class PdlibRunTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string pattern = (std::filesystem::path(::testing::TempDir()) / "pdlibrun.XXXXXX").string();
+        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
+        m_directory = pattern;
+
+        WriteText("patch.json", PatchCalibration);
+        WriteBytes("patch.bin", MakeFormat2Buffer(FlexibleMode, PatchWindows));
+        WriteBytes("mode3.bin", {0x01, 0xC0});
+        std::vector<uint8_t> shortBuffer = MakeFormat2Buffer(FlexibleMode, PatchWindows);
+        shortBuffer.pop_back();
+        WriteBytes("short.bin", shortBuffer);
+        WriteText("malformed.json", R"({"knotXCount": 2, "knotYCount": )");
+        json shortArray = json::parse(PatchCalibration);
+        shortArray["slopeData"].erase(3);
+        WriteText("short-array.json", shortArray.dump());
+    }
+
+    void TearDown() override { std::filesystem::remove_all(m_directory); }
+
+    static std::vector<uint8_t> MakeFormat2Buffer(uint32_t areaMode, const WindowRecord (&windows)[8])
+    {
+        pdlibrun::StatsFormat format;
+        pdlibrun::WindowMode mode;
+        pdlibrun::LookUpStatsFormat(2, &format);
+        pdlibrun::LookUpWindowMode(areaMode, &mode);
+        std::vector<uint8_t> buffer(pdlibrun::RequiredBufferSize(format, mode), 0);
+        buffer[pdlibrun::AreaModeByte] = static_cast<uint8_t>(areaMode << 6);
+        for (uint32_t i = 0; i < 8; i++)
+        {
+            pdlibrun::EncodeRecord(format, windows[i].confidence, windows[i].rawPhase,
+                                   &buffer[pdlibrun::RecordOffset(format, mode, i)]);
+        }
+        return buffer;
+    }
+
+    void WriteText(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(m_directory + "/" + name) << text;
+    }
+
+    void WriteBytes(const std::string& name, const std::vector<uint8_t>& bytes) const
+    {
+        std::ofstream(m_directory + "/" + name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    /// Arguments that start with '@' name a file of the scratch directory.
+    ProcessResult Run(std::vector<std::string> arguments) const
+    {
+        for (std::string& argument : arguments)
+        {
+            if ('@' == argument.front())
+            {
+                argument = m_directory + "/" + argument.substr(1);
+            }
+        }
+        return testsupport::RunProcess(PDLIB_RUN_EXECUTABLE, arguments, m_directory);
+    }
+
+    /// A run that must succeed, with --json added; its report.
+    json RunJson(std::vector<std::string> arguments) const
+    {
+        arguments.push_back("--json");
+        ProcessResult result = Run(arguments);
+        EXPECT_EQ(0, result.exitStatus) << result.err;
+        EXPECT_EQ("", result.err);
+        return json::parse(result.out, nullptr, false);
+    }
+
+    std::string m_directory;
+};
+
+std::vector<std::string> PatchRun(std::initializer_list<std::string> extra = {})
+{
+    std::vector<std::string> arguments = {"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "2"};
+    arguments.insert(arguments.end(), extra);
+    return arguments;
+}
+
+// ---- Bad input: one line on stderr, nothing on stdout, status 2 ------------------------------
+
+struct BadInputCase
+{
+    const char*              name;
+    std::vector<std::string> arguments;
+    const char*              fragment; ///< what the message must name
+};
+
+void PrintTo(const BadInputCase& badInput, std::ostream* pOut)
+{
+    *pOut << badInput.name;
+}
+
+class PdlibRunBadInputTest : public PdlibRunTest, public ::testing::WithParamInterface<BadInputCase>
+{
+};
+
+TEST_P(PdlibRunBadInputTest, ExitsWithStatus2AndOneLine)
+{
+    ProcessResult result = Run(GetParam().arguments);
+    EXPECT_EQ(2, result.exitStatus);
+    EXPECT_EQ("", result.out);
+    ASSERT_FALSE(result.err.empty());
+    EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
+    EXPECT_EQ('\n', result.err.back());
+    EXPECT_EQ(0u, result.err.find("pdlib-run: ")) << result.err;
+    EXPECT_NE(std::string::npos, result.err.find(GetParam().fragment)) << result.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, PdlibRunBadInputTest,
+    ::testing::Values(
+        BadInputCase{"MissingCalib", {"--stats", "@patch.bin", "--format", "2"}, "--calib"},
+        BadInputCase{"Format0", {"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "0"}, "--format"},
+        BadInputCase{"Format4", {"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "4"}, "--format"},
+        BadInputCase{"BadNumber", PatchRun({"--gain", "1.5x"}), "--gain"},
+        BadInputCase{"WindowOutsideImage", PatchRun({"--window", "0.2,0.2,1.2,0.8"}), "--window"},
+        // Format 2, mode 2: ten header bytes and eight records of five.
+        BadInputCase{"ShortStats", {"--calib", "@patch.json", "--stats", "@short.bin", "--format", "2"},
+                     "needs 50 bytes, the file has 49"},
+        BadInputCase{"StatsIsDirectory", {"--calib", "@patch.json", "--stats", "@", "--format", "2"},
+                     "not a regular file"},
+        BadInputCase{"MalformedJson", {"--calib", "@malformed.json", "--stats", "@patch.bin", "--format", "2"},
+                     "malformed JSON"},
+        BadInputCase{"WrongArrayLength", {"--calib", "@short-array.json", "--stats", "@patch.bin", "--format", "2"},
+                     "slopeData: expected an array of 4 numbers, found 3"}),
+    [](const ::testing::TestParamInfo<BadInputCase>& info) { return std::string(info.param.name); });
+
+TEST_F(PdlibRunTest, LibraryThatCannotBeLoadedExitsWithStatus1)
+{
+    ProcessResult result = Run(PatchRun({"--library", "@missing.so"}));
+    EXPECT_EQ(1, result.exitStatus);
+    EXPECT_EQ("", result.out);
+    EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
+    EXPECT_NE(std::string::npos, result.err.find("cannot load the library")) << result.err;
+}
+
+// ---- Good runs -------------------------------------------------------------------------------
+
+TEST_F(PdlibRunTest, ReportsTheWindowGridOfEachModeInEachFormat)
+{
+    struct Grid
+    {
+        uint32_t horizontal;
+        uint32_t vertical;
+    };
+    const Grid grids[] = {{16, 12}, {8, 6}, {8, 1}};
+    for (int format = 1; format <= 3; format++)
+    {
+        for (uint32_t mode = 0; mode < 3; mode++)
+        {
+            SCOPED_TRACE("format " + std::to_string(format) + ", mode " + std::to_string(mode));
+            const std::string stats = std::string(VARK_EXAMPLES_DIR) + "/stats_fmt" + std::to_string(format) +
+                                      "_mode" + std::to_string(mode) + ".bin";
+            json report = RunJson({"--calib", std::string(VARK_EXAMPLES_DIR) + "/calib_16x12.json", "--stats", stats,
+                                   "--format", std::to_string(format)});
+            ASSERT_TRUE(report.is_object());
+            EXPECT_EQ(0, report["result"]);
+            EXPECT_EQ(grids[mode].horizontal, report["horizontalWindowCount"]);
+            EXPECT_EQ(grids[mode].vertical, report["verticalWindowCount"]);
+            ASSERT_EQ(grids[mode].horizontal * grids[mode].vertical, report["windows"].size());
+            EXPECT_EQ(report["windows"].size() - 1, report["windows"].back()["index"]);
+        }
+    }
+}
+
+TEST_F(PdlibRunTest, DefocusIsTheCalibrationAtTheAfWindowCentre)
+{
+    json report = RunJson(PatchRun());
+    ASSERT_TRUE(report.is_object());
+    ASSERT_EQ(8u, report["windows"].size());
+    const json& windows = report["windows"];
+
+    // 640 x 32 + 150.
+    EXPECT_EQ(20630, windows[0]["defocus"]);
+    EXPECT_EQ(1023, windows[0]["confidence"]);
+    EXPECT_EQ(2.0, windows[0]["phaseDiff"]);
+    // 640 x -24 + 150.
+    EXPECT_EQ(-15210, windows[1]["defocus"]);
+    EXPECT_EQ(512, windows[1]["confidence"]);
+    EXPECT_EQ(-1.5, windows[1]["phaseDiff"]);
+    // 640 x -1024 + 150, with no confidence at all.
+    EXPECT_EQ(-655210, windows[2]["defocus"]);
+    EXPECT_EQ(0, windows[2]["confidence"]);
+    EXPECT_EQ(-64.0, windows[2]["phaseDiff"]);
+    EXPECT_EQ(150, windows[3]["defocus"]);
+    EXPECT_EQ(1023, windows[3]["confidence"]);
+}
+
+struct OptionCase
+{
+    const char*              name;
+    std::vector<std::string> extra;
+    int                      defocus0;
+    int                      defocus1;
+    int                      confidence0;
+    int                      confidence1;
+};
+
+void PrintTo(const OptionCase& option, std::ostream* pOut)
+{
+    *pOut << option.name;
+}
+
+class PdlibRunOptionTest : public PdlibRunTest, public ::testing::WithParamInterface<OptionCase>
+{
+};
+
+TEST_P(PdlibRunOptionTest, ReachesTheLibrary)
+{
+    std::vector<std::string> arguments = PatchRun();
+    arguments.insert(arguments.end(), GetParam().extra.begin(), GetParam().extra.end());
+    json report = RunJson(arguments);
+    ASSERT_TRUE(report.is_object());
+    ASSERT_EQ(8u, report["windows"].size());
+    EXPECT_EQ(GetParam().defocus0, report["windows"][0]["defocus"]);
+    EXPECT_EQ(GetParam().defocus1, report["windows"][1]["defocus"]);
+    EXPECT_EQ(GetParam().confidence0, report["windows"][0]["confidence"]);
+    EXPECT_EQ(GetParam().confidence1, report["windows"][1]["confidence"]);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Options, PdlibRunOptionTest,
+    ::testing::Values(
+        // 20630 >> 4 and -15210 >> 4, the latter rounding down as an arithmetic shift does.
+        OptionCase{"Shift", {"--shift", "4"}, 1289, -951, 1023, 512},
+        // Confidence x 1024 / 200.
+        OptionCase{"Threshold", {"--threshold", "200"}, 20630, -15210, 512, 256},
+        // Centre (1000, 750): the patch's first corner alone, slope 256 and offset 0.
+        OptionCase{"Window", {"--window", "0.2,0.2,0.3,0.3"}, 8192, -6144, 1023, 512},
+        // The whole of a 1000 x 750 crop at (500, 375) has the same centre (1000, 750).
+        OptionCase{"Crop", {"--crop", "500,375,1000,750", "--window", "0,0,1,1"}, 8192, -6144, 1023, 512}),
+    [](const ::testing::TestParamInfo<OptionCase>& info) { return std::string(info.param.name); });
+
+TEST_F(PdlibRunTest, TablesStartWithTheWindowCounts)
+{
+    ProcessResult result = Run(PatchRun());
+    ASSERT_EQ(0, result.exitStatus) << result.err;
+    EXPECT_EQ(0u, result.out.find("windows: 8 x 1 (8), result 0\n")) << result.out;
+    EXPECT_NE(std::string::npos, result.out.find("20630")) << result.out;
+    EXPECT_NE(std::string::npos, result.out.find("-64.0000")) << result.out;
+}
+
+TEST_F(PdlibRunTest, OnlyVerboseLetsTheLibrarysInfoLinesThrough)
+{
+    ProcessResult quiet = Run(PatchRun());
+    ASSERT_EQ(0, quiet.exitStatus);
+    EXPECT_EQ("", quiet.err);
+
+    ProcessResult verbose = Run(PatchRun({"--verbose"}));
+    ASSERT_EQ(0, verbose.exitStatus);
+    EXPECT_NE(std::string::npos, verbose.err.find("KelPDLibrarEntry")) << verbose.err;
+    EXPECT_NE(std::string::npos, verbose.err.find("PDLib pPDLibData[CamId:0] in destroy is")) << verbose.err;
+}
+
+TEST_F(PdlibRunTest, RefusedWindowModeGivesNoWindowsAndTheLibrarysError)
+{
+    ProcessResult result = Run({"--calib", "@patch.json", "--stats", "@mode3.bin", "--format", "2"});
+    EXPECT_EQ(0, result.exitStatus);
+    EXPECT_EQ("windows: 0 x 0 (0), result 0\n", result.out);
+    EXPECT_NE(std::string::npos, result.err.find("bad win_mode: 3")) << result.err;
+}
+
+// ---- The shipped examples ----------------------------------------------------------------------
+
+TEST_F(PdlibRunTest, GeneratorReproducesTheShippedExamples)
+{
+    ProcessResult result = testsupport::RunProcess(PDLIB_MAKE_EXAMPLES_EXECUTABLE, {m_directory}, m_directory);
+    ASSERT_EQ(0, result.exitStatus) << result.err;
+    auto contents = [](const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        std::ostringstream bytes;
+        bytes << file.rdbuf();
+        return bytes.str();
+    };
+    std::vector<std::string> names = {"calib_16x12.json"};
+    for (int format = 1; format <= 3; format++)
+    {
+        for (int mode = 0; mode < 3; mode++)
+        {
+            names.push_back("stats_fmt" + std::to_string(format) + "_mode" + std::to_string(mode) + ".bin");
+        }
+    }
+    for (const std::string& name : names)
+    {
+        const std::string shipped = contents(std::string(VARK_EXAMPLES_DIR) + "/" + name);
+        EXPECT_FALSE(shipped.empty()) << name;
+        EXPECT_EQ(shipped, contents(m_directory + "/" + name)) << name << " differs from the generator's";
+    }
+}
+} // namespace
