@@ -1,0 +1,85 @@
+#include "parametermutex.h"
+
+#include "parameterlogging.h"
+
+bool ParameterMutex::WriteAllowed(std::thread::id self) const
+{
+    bool noOtherWriter = (0 == m_writeCount) || (m_writeOwner == self);
+    bool noOtherReader = m_readers.empty() || ((1 == m_readers.size()) && (m_readers.begin()->first == self));
+    return noOtherWriter && noOtherReader;
+}
+
+void ParameterMutex::Lock(bool shared)
+{
+    const std::thread::id        self = std::this_thread::get_id();
+    std::unique_lock<std::mutex> guard(m_mutex);
+    if (shared)
+    {
+        m_condition.wait(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
+        ++m_readers[self];
+        return;
+    }
+
+    m_condition.wait(guard, [&] { return WriteAllowed(self); });
+    if (m_writeOwner != self)
+    {
+        m_writeCount = 1;
+        m_writeOwner = self;
+    }
+    else
+    {
+        ++m_writeCount;
+    }
+}
+
+void ParameterMutex::Unlock(bool shared)
+{
+    const std::thread::id self      = std::this_thread::get_id();
+    bool                  unmatched = false;
+    {
+        std::lock_guard<std::mutex> guard(m_mutex);
+        if (shared)
+        {
+            // A thread that holds no read lock changes nothing.
+            auto reader = m_readers.find(self);
+            if ((m_readers.end() != reader) && (0 == --reader->second))
+            {
+                m_readers.erase(reader);
+            }
+        }
+        else if (0 != m_writeCount)
+        {
+            if (0 == --m_writeCount)
+            {
+                m_writeOwner = std::thread::id();
+            }
+        }
+        else
+        {
+            unmatched = true;
+        }
+    }
+    m_condition.notify_all();
+    if (unmatched)
+    {
+        // The lock stays usable; the unmatched unlock is only reported.
+        PARAMETER_LOG_ERROR(nullptr, "ParameterMutex::Unlock called when lock count is zero\n");
+    }
+}
+
+ParameterMutexLock::ParameterMutexLock(ParameterMutex* lock, bool sharedSide, bool condition)
+    : mutex(lock), shared(sharedSide), locked(condition && (nullptr != lock))
+{
+    if (locked)
+    {
+        mutex->Lock(shared);
+    }
+}
+
+ParameterMutexLock::~ParameterMutexLock()
+{
+    if (locked)
+    {
+        mutex->Unlock(shared);
+    }
+}

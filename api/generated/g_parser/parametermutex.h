@@ -1,0 +1,58 @@
+// ParameterMutex: the store's reader-writer lock, recursive on both sides, and its scope guard.
+#ifndef PARAMETERMUTEX_H
+#define PARAMETERMUTEX_H
+
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include "pdlibvark_export.h"
+
+/// The store's entry points call one another while holding their locks, and a reader often
+/// has to write; so both sides nest, a writer may read, and a thread that is the only reader
+/// may take the write side without giving up its read. Two readers that both ask to write wait
+/// for ever; the store never does that on one lock. No side has priority, no wait times out.
+/// A failure of the underlying pthread mutex is raised as std::system_error.
+class PDLIBVARK_API ParameterMutex
+{
+public:
+    ParameterMutex() = default;
+    ParameterMutex(ParameterMutex const&)            = delete;
+    ParameterMutex& operator=(ParameterMutex const&) = delete;
+
+    /// `shared` true takes the read side, false the write side.
+    void Lock(bool shared);
+
+    /// Must pass the `shared` of the matching Lock. Write and read depths are counted apart,
+    /// so a thread unlocks each side as often as it locked it, in any order.
+    void Unlock(bool shared);
+
+private:
+    bool WriteAllowed(std::thread::id self) const;
+
+    std::mutex                          m_mutex; ///< held only for the bookkeeping below
+    uint32_t                            m_writeCount = 0; ///< depth of the write side; 0: no writer
+    std::thread::id                     m_writeOwner;     ///< cleared when m_writeCount reaches 0
+    std::map<std::thread::id, uint32_t> m_readers;        ///< reading threads and their depths
+    std::condition_variable             m_condition;      ///< woken by every unlock
+};
+
+/// Locks a ParameterMutex for a scope, when `condition` holds (code whose need for the lock
+/// depends on the state passes that state). Unlocks at the end of the scope if it locked.
+class PDLIBVARK_API ParameterMutexLock
+{
+public:
+    ParameterMutexLock(ParameterMutex* lock, bool sharedSide, bool condition);
+    ~ParameterMutexLock();
+    ParameterMutexLock(ParameterMutexLock const&)            = delete;
+    ParameterMutexLock& operator=(ParameterMutexLock const&) = delete;
+
+private:
+    ParameterMutex* mutex;  ///< not owned
+    bool            shared; ///< the side taken
+    bool            locked; ///< whether this guard locked at all
+};
+
+#endif // PARAMETERMUTEX_H
