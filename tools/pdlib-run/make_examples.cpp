@@ -29,8 +29,8 @@ constexpr double RawPhasePerPixel = 16.0;
 
 // ---- Calibration --------------------------------------------------------------------------
 
-/// Slope in defocus units per 1/16384 pixel of phase: the lens needs more travel per pixel of
-/// phase towards the corners.
+/// Slope of defocus against phase; the library scales it so that one pixel of phase moves the
+/// defocus by 16384 x slope. The lens needs more travel per pixel of phase towards the corners.
 double SlopeAt(double x, double y)
 {
     const double dx = (x - ImageWidth / 2.0) / (ImageWidth / 2.0);

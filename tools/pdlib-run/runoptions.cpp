@@ -27,7 +27,7 @@ std::vector<double> ParseNumberList(const std::string& option, const std::string
     const std::string wrong = option + ": expected " + shape + ", got '" + text + "'";
     std::vector<double> numbers;
     size_t start = 0;
-    while (start <= text.size())
+    for (;;)
     {
         size_t comma = text.find(',', start);
         const std::string item = text.substr(start, (std::string::npos == comma) ? std::string::npos : comma - start);
@@ -52,7 +52,7 @@ std::vector<double> ParseNumberList(const std::string& option, const std::string
     return numbers;
 }
 
-/// Whole numbers from `min` to `max`.
+/// Whole numbers from `min` to 65535.
 std::vector<uint32_t> ParseIntegerList(const std::string& option, const std::string& text, size_t count,
                                        const std::string& shape, double min)
 {
@@ -68,6 +68,7 @@ std::vector<uint32_t> ParseIntegerList(const std::string& option, const std::str
     return integers;
 }
 
+/// An empty text is an option not given: the parser refuses empty values before this.
 void ApplyGeometry(const std::string& imageText, const std::string& cropText, const std::string& windowText,
                    RunOptions* pOptions)
 {
@@ -123,9 +124,11 @@ std::optional<RunOptions> ParseRunOptions(int argc, char** argv, const std::stri
     app.add_option("--stats", options.statsPath, "raw statistic buffer of the sensor")->required();
     app.add_option("--format", options.format, "statistic buffer format: 1, 2 or 3")->required();
     app.add_option("--gain", gain, "imageAnalogGain (default 1.0)");
-    app.add_option("--window", windowText, "AF window X0,Y0,X1,Y1 in fractions of the current image");
-    app.add_option("--image", imageText, "full image size W,H (default 4000,3000)");
-    app.add_option("--crop", cropText, "crop X,Y,W,H: origin in the full image, size of the current image");
+    CLI::Option* pWindow =
+        app.add_option("--window", windowText, "AF window X0,Y0,X1,Y1 in fractions of the current image");
+    CLI::Option* pImage = app.add_option("--image", imageText, "full image size W,H (default 4000,3000)");
+    CLI::Option* pCrop =
+        app.add_option("--crop", cropText, "crop X,Y,W,H: origin in the full image, size of the current image");
     app.add_option("--shift", shift, "defocusBitShift (default 0)");
     app.add_option("--threshold", threshold, "defocusConfidenceThreshold (default 100)");
     app.add_option("--library", options.libraryPath, "the library to load")->capture_default_str();
@@ -165,6 +168,13 @@ std::optional<RunOptions> ParseRunOptions(int argc, char** argv, const std::stri
         throw InputError("--threshold: expected a 32-bit signed number, got " + std::to_string(threshold));
     }
     options.confidenceThreshold = static_cast<int32_t>(threshold);
+    for (const CLI::Option* pOption : {pWindow, pImage, pCrop})
+    {
+        if ((pOption->count() > 0) && pOption->as<std::string>().empty())
+        {
+            throw InputError(pOption->get_name() + ": expected a value, got an empty one");
+        }
+    }
     ApplyGeometry(imageText, cropText, windowText, &options);
     return options;
 }
