@@ -22,8 +22,10 @@ using namespace std::chrono_literals;
 constexpr auto SettleTime = 100ms;
 // A lock that does not come within this long is deadlocked.
 constexpr auto DeadlockTime = 10s;
+// A whole test that takes this long has a deadlocked thread in it.
+constexpr auto WatchdogTime = 3 * DeadlockTime;
 
-// Stops the whole run with a message when a test outlives DeadlockTime: a deadlocked thread
+// Stops the whole run with a message when a test outlives WatchdogTime: a deadlocked thread
 // can be neither joined nor cleaned up, and a hang would cost the suite's whole time-out.
 class Watchdog
 {
@@ -31,7 +33,7 @@ public:
     Watchdog()
         : m_thread([this] {
               std::unique_lock<std::mutex> guard(m_mutex);
-              if (!m_finished.wait_for(guard, DeadlockTime, [this] { return m_done; }))
+              if (!m_finished.wait_for(guard, WatchdogTime, [this] { return m_done; }))
               {
                   fprintf(stderr, "deadlock in %s\n", testing::UnitTest::GetInstance()->current_test_info()->name());
                   std::abort();
@@ -130,10 +132,10 @@ TEST(ParameterMutex, WriterExcludesReadersAndWriters)
     EXPECT_FALSE(reader.Acquired());
     EXPECT_FALSE(writer.Acquired());
 
-    mutex.Unlock(false);
-    EXPECT_TRUE(reader.AcquiredWithin(DeadlockTime) || writer.AcquiredWithin(DeadlockTime));
+    // Either may come first; each lets go as soon as it has the lock.
     reader.Release();
     writer.Release();
+    mutex.Unlock(false);
     EXPECT_TRUE(reader.AcquiredWithin(DeadlockTime));
     EXPECT_TRUE(writer.AcquiredWithin(DeadlockTime));
 }
