@@ -18,12 +18,16 @@
 namespace
 {
 using CrcTable = std::array<uint32_t, 256>;
+// Four rows of a table that advances a 4-byte word at once: row 3 for its first byte, row 0
+// for its last.
+using WordTables = std::array<CrcTable, 4>;
 
 constexpr uint32_t ReflectedPolynomial = 0xEDB88320u;
 
-// Bytes taken per step of the portable path; each byte of a step has its own table.
-constexpr size_t SliceBytes = 8;
-using SliceTables = std::array<CrcTable, SliceBytes>;
+// The portable path keeps this many independent CRCs (lanes), each taking every
+// BraidLanes-th 4-byte word: their look-ups overlap instead of waiting on one another.
+constexpr size_t BraidLanes = 8;
+constexpr size_t BraidBlock = 4 * BraidLanes;
 
 constexpr CrcTable MakeByteTable()
 {
@@ -40,18 +44,24 @@ constexpr CrcTable MakeByteTable()
     return table;
 }
 
-// Row s advances a byte through s further zero bytes, so that SliceBytes bytes are folded
-// into the CRC with independent look-ups instead of a chain of dependent ones.
-constexpr SliceTables MakeSliceTables(const CrcTable& byteTable)
+// Row r advances a byte through (firstRow + r) further zero bytes.
+constexpr WordTables MakeWordTables(const CrcTable& byteTable, size_t firstRow)
 {
-    SliceTables tables{};
-    tables[0] = byteTable;
-    for (size_t slice = 1; slice < SliceBytes; ++slice)
+    CrcTable row = byteTable;
+    for (size_t advanced = 0; advanced < firstRow; ++advanced)
     {
-        for (size_t index = 0; index < byteTable.size(); ++index)
+        for (uint32_t& entry : row)
         {
-            uint32_t previous = tables[slice - 1][index];
-            tables[slice][index] = (previous >> 8) ^ byteTable[previous & 0xFFu];
+            entry = (entry >> 8) ^ byteTable[entry & 0xFFu];
+        }
+    }
+    WordTables tables{};
+    for (CrcTable& table : tables)
+    {
+        table = row;
+        for (uint32_t& entry : row)
+        {
+            entry = (entry >> 8) ^ byteTable[entry & 0xFFu];
         }
     }
     return tables;
@@ -63,15 +73,24 @@ constexpr CrcTable ParameterBinaryFile::m_crcLookupTable = MakeByteTable();
 
 namespace
 {
-constexpr SliceTables SliceTable = MakeSliceTables(ParameterBinaryFile::m_crcLookupTable);
-
 static_assert(0x77073096u == ParameterBinaryFile::m_crcLookupTable[1], "not the reflected CRC-32 table");
 static_assert(0x2D02EF8Du == ParameterBinaryFile::m_crcLookupTable[255], "not the reflected CRC-32 table");
+
+// Advances a CRC over the next word of its own stream, and a lane over the next word of its
+// lane, BraidBlock bytes further on.
+constexpr WordTables NextWord = MakeWordTables(ParameterBinaryFile::m_crcLookupTable, 0);
+constexpr WordTables NextLaneWord = MakeWordTables(ParameterBinaryFile::m_crcLookupTable, BraidBlock - 4);
 
 inline uint32_t LoadLittleEndian32(const unsigned char* pBytes)
 {
     return static_cast<uint32_t>(pBytes[0]) | (static_cast<uint32_t>(pBytes[1]) << 8) |
            (static_cast<uint32_t>(pBytes[2]) << 16) | (static_cast<uint32_t>(pBytes[3]) << 24);
+}
+
+inline uint32_t AdvanceWord(uint32_t word, const WordTables& rows)
+{
+    return (rows[3][word & 0xFFu] ^ rows[2][(word >> 8) & 0xFFu]) ^
+           (rows[1][(word >> 16) & 0xFFu] ^ rows[0][word >> 24]);
 }
 
 // The running value is the register before the final complement.
@@ -84,22 +103,34 @@ uint32_t UpdateBytewise(uint32_t crc, const unsigned char* pBuffer, size_t lengt
     return crc;
 }
 
-uint32_t UpdateSliced(uint32_t crc, const unsigned char* pBuffer, size_t length)
+uint32_t UpdatePortable(uint32_t crc, const unsigned char* pBuffer, size_t length)
 {
-    while (length >= SliceBytes)
+    if (length >= 2 * BraidBlock)
     {
-        uint32_t next = 0;
-        for (size_t word = 0; word < SliceBytes / 4; ++word)
+        // Lane k holds what the words so far contribute, to be added to the k-th word of the
+        // next block. The last block joins the lanes back into one CRC, word by word.
+        uint32_t lanes[BraidLanes] = {crc};
+        for (size_t blocks = length / BraidBlock - 1; blocks > 0; --blocks)
         {
-            uint32_t bytes = LoadLittleEndian32(pBuffer + 4 * word) ^ ((0 == word) ? crc : 0u);
-            for (size_t byte = 0; byte < 4; ++byte)
+            for (size_t lane = 0; lane < BraidLanes; ++lane)
             {
-                next ^= SliceTable[SliceBytes - 1 - 4 * word - byte][(bytes >> (8 * byte)) & 0xFFu];
+                lanes[lane] = AdvanceWord(lanes[lane] ^ LoadLittleEndian32(pBuffer + 4 * lane), NextLaneWord);
             }
+            pBuffer += BraidBlock;
+            length -= BraidBlock;
         }
-        crc = next;
-        pBuffer += SliceBytes;
-        length -= SliceBytes;
+        crc = 0;
+        for (size_t lane = 0; lane < BraidLanes; ++lane)
+        {
+            crc = AdvanceWord(crc ^ lanes[lane] ^ LoadLittleEndian32(pBuffer + 4 * lane), NextWord);
+        }
+        pBuffer += BraidBlock;
+        length -= BraidBlock;
+    }
+    for (; length >= 4; length -= 4)
+    {
+        crc = AdvanceWord(crc ^ LoadLittleEndian32(pBuffer), NextWord);
+        pBuffer += 4;
     }
     return UpdateBytewise(crc, pBuffer, length);
 }
@@ -178,7 +209,7 @@ uint32_t UpdateHardware(uint32_t crc, const unsigned char* pBuffer, size_t lengt
         pBuffer += folded;
         length -= folded;
     }
-    return UpdateSliced(crc, pBuffer, length);
+    return UpdatePortable(crc, pBuffer, length);
 }
 
 bool DetectHardware()
@@ -218,7 +249,7 @@ namespace ParameterCrc
 {
 uint32_t Crc32Portable(const unsigned char* pBuffer, size_t length)
 {
-    return ~UpdateSliced(0xFFFFFFFFu, pBuffer, length);
+    return ~UpdatePortable(0xFFFFFFFFu, pBuffer, length);
 }
 
 #if defined(PARAMETER_CRC_HAS_HARDWARE_PATH)
