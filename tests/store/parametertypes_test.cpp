@@ -58,15 +58,6 @@ TEST(ModeUnion, PartsAndRawValueShareTheLayout)
     EXPECT_EQ(0ul, ModeUnion().value);
 }
 
-TEST(TuningMode, StartsZeroedAndAggregatesModeFirst)
-{
-    TuningMode selector{2, 9};
-    EXPECT_EQ(2u, selector.mode);
-    EXPECT_EQ(9, selector.subMode);
-    EXPECT_EQ(0, selector.spare);
-    EXPECT_EQ(8u, sizeof(TuningMode));
-}
-
 std::vector<int> Contents(const PList<int>& list)
 {
     std::vector<int> contents;
@@ -182,17 +173,6 @@ TEST(PList, MoveTakesTheBlock)
     other.Insert(0, 1);
     other = std::move(target);
     EXPECT_EQ((std::vector<int>{8}), Contents(other));
-}
-
-TEST(DupObjInfo, StartsWithoutObjectOrHolders)
-{
-    static const char site[] = "module.cpp";
-    DupObjInfo info(4, site, 17);
-    EXPECT_EQ(nullptr, info.object);
-    EXPECT_EQ(4u, info.count);
-    EXPECT_EQ(site, info.file);
-    EXPECT_EQ(17u, info.line);
-    EXPECT_EQ(0u, info.refCount);
 }
 
 TEST(DupObjInfo, ReleaseGivesTheGoAheadToTheLastHolderOnly)
