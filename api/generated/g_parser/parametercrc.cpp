@@ -136,9 +136,9 @@ uint32_t UpdatePortable(uint32_t crc, const unsigned char* pBuffer, size_t lengt
 }
 
 #if defined(__x86_64__)
-// Folding constants of the reflected polynomial: x^(512+32), x^512 (four lanes), x^(128+32),
-// x^128 (one lane), x^64 modulo P, each bit-reflected and shifted by one; then P and the
-// Barrett constant floor(x^64 / P).
+// Folding constants of the reflected polynomial: powers of x modulo P that carry 128 bits
+// forward by 512 bits (four lanes) and by 128 bits (one lane), and 64 bits by 32, bit-reflected;
+// then P and the Barrett constant floor(x^64 / P). The tests hold this path to a bitwise CRC.
 alignas(16) constexpr uint64_t FoldBy4[2]  = {0x0154442BD4ull, 0x01C6E41596ull};
 alignas(16) constexpr uint64_t FoldBy1[2]  = {0x01751997D0ull, 0x00CCAA009Eull};
 alignas(16) constexpr uint64_t Fold64[2]   = {0x0163CD6124ull, 0x0000000000ull};
@@ -146,7 +146,7 @@ alignas(16) constexpr uint64_t Barrett[2]  = {0x01DB710641ull, 0x01F7011641ull};
 
 constexpr size_t FoldBlockBytes = 64;
 
-// Carries a lane 'distance' bytes forward (by the constants) and adds the data found there.
+// Carries a lane forward by the distance its constants stand for and adds the data found there.
 __attribute__((target("pclmul,sse4.1"))) inline __m128i Fold(__m128i lane, __m128i constants, __m128i data)
 {
     __m128i low  = _mm_clmulepi64_si128(lane, constants, 0x00);
