@@ -106,7 +106,10 @@ struct PDLIBVARK_API PList
             void* grown = realloc(items, sizeof(T) * capacity);
             if (nullptr == grown)
             {
-                return; // required: capacity stays raised, items stays valid
+                // Nothing inserted. Safe variant: the capacity goes back down, since a raised one
+                // over the old block would let the next insert write past it.
+                capacity -= growBy;
+                return;
             }
             items = static_cast<T*>(grown);
             memset(static_cast<void*>(items + capacity - growBy), 0, sizeof(T) * growBy);
