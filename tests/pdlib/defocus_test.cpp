@@ -1,7 +1,7 @@
 // PdLibGetDefocus: the input refusals, the defocus over the calibration grid, the confidence
 // threshold over the threshold grid, and the level's limits and verdicts.
-#include <functional>
 #include <memory>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -45,7 +45,7 @@ public:
         data.p_XAddressKnotDefocusOKNG = thresholdX;
         data.p_YAddressKnotDefocusOKNG = thresholdY;
         data.DensityOfPhasePix         = 2304;
-        SetCentre(250, 550);
+        SetCentre(50, 50);
     }
     DefocusInput(const DefocusInput&)            = delete;
     DefocusInput& operator=(const DefocusInput&) = delete;
@@ -58,14 +58,17 @@ public:
         data.YAddressOfWindowEnd   = cy + 1;
     }
 
-    /// Both threshold knot counts 1: line 0 alone gives the threshold, from lowGain at gain 0
-    /// to highGain at gain 10.
-    void SetSingleThreshold(uint64_t lowGain, uint64_t highGain)
+    void SetThresholdCounts(uint16_t count)
     {
-        data.XKnotNumDefocusOKNG = 1;
-        data.YKnotNumDefocusOKNG = 1;
-        confidence[0][0]         = lowGain;
-        confidence[0][1]         = highGain;
+        data.XKnotNumDefocusOKNG = count;
+        data.YKnotNumDefocusOKNG = count;
+    }
+
+    /// Line 0, from lowGain at gain 0 to highGain at gain 10.
+    void SetFirstThreshold(uint64_t lowGain, uint64_t highGain)
+    {
+        confidence[0][0] = lowGain;
+        confidence[0][1] = highGain;
     }
 
     PdLibInputData_t     data          = {};
@@ -80,24 +83,23 @@ public:
     uint16_t             thresholdY[3] = {200, 400, 600};
 };
 
-struct DefocusResult
-{
-    long              rc;
-    PdLibOutputData_t out;
-};
+/// What PdLibGetDefocus gives: its result, then Defocus, DefocusConfidence,
+/// DefocusConfidenceLevel and PhaseDifference of the output.
+using Output = std::tuple<long, int64_t, int, uint64_t, int64_t>;
+enum OutputField { Rc, Defocus, Verdict, Level, Phase };
 
-DefocusResult GetDefocus(DefocusInput& input)
+Output GetDefocus(DefocusInput& input)
 {
-    DefocusResult result = {0, {123, 45, 678, 9}}; // unlike every initial value
-    result.rc            = PdLibGetDefocus(&input.data, &result.out);
-    return result;
+    PdLibOutputData_t out = {123, 45, 678, 9}; // unlike every initial value
+    const long rc = PdLibGetDefocus(&input.data, &out);
+    return {rc, out.Defocus, out.DefocusConfidence, out.DefocusConfidenceLevel, out.PhaseDifference};
 }
 
 struct Refusal
 {
-    const char*                        what;
-    std::function<void(DefocusInput&)> spoil;
-    long                               code;
+    const char* what;
+    void (*spoil)(DefocusInput&);
+    long code;
 };
 
 TEST(DefocusInputTest, EachRefusalKeepsTheInitialOutput)
@@ -117,35 +119,18 @@ TEST(DefocusInputTest, EachRefusalKeepsTheInitialOutput)
         {"threshold x count 0 alone", [](DefocusInput& in) { in.data.XKnotNumDefocusOKNG = 0; }, -48},
         {"threshold x count 1 alone", [](DefocusInput& in) { in.data.XKnotNumDefocusOKNG = 1; }, -49},
         {"first line of 1 point", [](DefocusInput& in) { in.lines[0].PointNum = 1; }, -50},
-        {"first line of 1 point, no grid",
-         [](DefocusInput& in) {
-             in.data.XKnotNumDefocusOKNG = 0;
-             in.data.YKnotNumDefocusOKNG = 0;
-             in.lines[0].PointNum        = 1;
-         },
-         -50},
+        {"first line of 1 point, no grid", [](DefocusInput& in) { in.SetThresholdCounts(0); in.lines[0].PointNum = 1; }, -50},
         {"repeated threshold x", [](DefocusInput& in) { in.thresholdX[1] = 200; }, -51},
         {"falling threshold y", [](DefocusInput& in) { in.thresholdY[2] = 300; }, -52},
         {"density 2000", [](DefocusInput& in) { in.data.DensityOfPhasePix = 2000; }, -53},
-        {"first failure wins",
-         [](DefocusInput& in) {
-             in.data.XSizeOfImage      = 1;
-             in.data.DensityOfPhasePix = 0;
-         },
-         -40},
+        {"first failure wins", [](DefocusInput& in) { in.data.XSizeOfImage = 1; in.data.DensityOfPhasePix = 0; }, -40},
     };
     for (const Refusal& refusal : refusals)
     {
-        SCOPED_TRACE(refusal.what);
         auto input                  = std::make_unique<DefocusInput>();
         input->data.PhaseDifference = 5;
         refusal.spoil(*input);
-        DefocusResult result = GetDefocus(*input);
-        EXPECT_EQ(refusal.code, result.rc);
-        EXPECT_EQ(0, result.out.Defocus);
-        EXPECT_EQ(-1, result.out.DefocusConfidence);
-        EXPECT_EQ(0U, result.out.DefocusConfidenceLevel);
-        EXPECT_EQ(0, result.out.PhaseDifference);
+        EXPECT_EQ(Output(refusal.code, 0, -1, 0, 0), GetDefocus(*input)) << refusal.what;
     }
 }
 
@@ -177,11 +162,10 @@ TEST(DefocusGridTest, NinePlacesOfTheCentreOnTheCalibrationGrid)
     DefocusInput input;
     for (const Place& place : places)
     {
-        SCOPED_TRACE(testing::Message() << "centre (" << place.cx << ", " << place.cy << ")");
         input.SetCentre(place.cx, place.cy);
-        DefocusResult result = GetDefocus(input);
-        EXPECT_EQ(0, result.rc);
-        EXPECT_EQ(place.expected, result.out.Defocus);
+        const Output output = GetDefocus(input);
+        EXPECT_EQ(0, std::get<Rc>(output));
+        EXPECT_EQ(place.expected, std::get<Defocus>(output)) << "centre " << place.cx << ", " << place.cy;
     }
 }
 
@@ -205,13 +189,11 @@ TEST(DefocusGridTest, NinePlacesOfTheCentreOnTheThresholdGrid)
     DefocusInput input;
     for (const Place& place : places)
     {
-        SCOPED_TRACE(testing::Message() << "centre (" << place.cx << ", " << place.cy << ")");
         input.SetCentre(place.cx, place.cy);
         input.data.ConfidenceLevel = 2 * static_cast<uint64_t>(place.expected);
-        DefocusResult result       = GetDefocus(input);
-        EXPECT_EQ(0, result.rc);
-        EXPECT_EQ(2048U, result.out.DefocusConfidenceLevel);
-        EXPECT_EQ(0, result.out.DefocusConfidence);
+        const Output output        = GetDefocus(input);
+        EXPECT_EQ(0, std::get<Verdict>(output));
+        EXPECT_EQ(2048U, std::get<Level>(output)) << "centre " << place.cx << ", " << place.cy;
     }
 }
 
@@ -231,10 +213,8 @@ TEST(DefocusFormulaTest, ScalesSlopeByAdjCoeffAndPhaseThenAddsOffsetAndTruncates
 TEST(DefocusFormulaTest, LimitsAreAsymmetric)
 {
     DefocusInput input;
-    const int64_t limited[][2] = {
-        {2147483645, 2147483645},   {2147483646, 2147483646},   {2147483647, 2147483646},
-        {-2147483646, -2147483646}, {-2147483647, -2147483647}, {-2147483648, -2147483647},
-    };
+    const int64_t limited[][2] = {{2147483645, 2147483645},   {2147483646, 2147483646},   {2147483647, 2147483646},
+                                  {-2147483646, -2147483646}, {-2147483647, -2147483647}, {-2147483648, -2147483647}};
     for (const auto& pair : limited)
     {
         input.offset[0] = pair[0];
@@ -250,9 +230,9 @@ TEST(DefocusFormulaTest, LimitsAreAsymmetric)
     EXPECT_EQ(-2147483647, calc_defocus_formula(&input.data, 0));
 
     input.SetCentre(50, 50);
-    input.slope[0]             = 0;
-    input.offset[0]            = 3000000000;
-    EXPECT_EQ(2147483646, GetDefocus(input).out.Defocus);
+    input.slope[0]  = 0;
+    input.offset[0] = 3000000000;
+    EXPECT_EQ(2147483646, std::get<Defocus>(GetDefocus(input)));
 }
 
 struct LevelCase
@@ -261,7 +241,7 @@ struct LevelCase
     uint64_t threshold;
     uint64_t density;
     uint64_t level;
-    int8_t   verdict;
+    int      verdict;
 };
 
 TEST(DefocusConfidenceTest, LevelLimitsAndVerdicts)
@@ -279,91 +259,55 @@ TEST(DefocusConfidenceTest, LevelLimitsAndVerdicts)
     DefocusInput input;
     for (const LevelCase& level : cases)
     {
-        SCOPED_TRACE(testing::Message() << "confidence " << level.confidence << " density " << level.density);
-        input.SetSingleThreshold(level.threshold, level.threshold);
+        input.SetThresholdCounts(1);
+        input.SetFirstThreshold(level.threshold, level.threshold);
         input.data.ConfidenceLevel   = level.confidence;
         input.data.DensityOfPhasePix = level.density;
-        DefocusResult result         = GetDefocus(input);
-        EXPECT_EQ(0, result.rc);
-        EXPECT_EQ(level.level, result.out.DefocusConfidenceLevel);
-        EXPECT_EQ(level.verdict, result.out.DefocusConfidence);
+        EXPECT_EQ(Output(0, 0, level.verdict, level.level, 0), GetDefocus(input))
+            << "confidence " << level.confidence << ", density " << level.density;
     }
 }
 
-TEST(DefocusConfidenceTest, ThresholdFollowsTheGainAndZeroPasses)
+TEST(DefocusConfidenceTest, ThresholdFollowsTheGainAndZeroOrRefusedPasses)
 {
     DefocusInput input;
-    input.SetSingleThreshold(0, 100);
-    input.data.ConfidenceLevel = 0;
-    DefocusResult atZero       = GetDefocus(input);
-    EXPECT_EQ(1024U, atZero.out.DefocusConfidenceLevel);
-    EXPECT_EQ(0, atZero.out.DefocusConfidence);
-
+    input.SetThresholdCounts(1);
+    input.SetFirstThreshold(0, 100);
+    EXPECT_EQ(Output(0, 0, 0, 1024, 0), GetDefocus(input));
     input.data.ImagerAnalogGain = 5; // threshold 50
     input.data.ConfidenceLevel  = 25;
-    EXPECT_EQ(512U, GetDefocus(input).out.DefocusConfidenceLevel);
-
+    EXPECT_EQ(512U, std::get<Level>(GetDefocus(input)));
     input.data.ImagerAnalogGain = 20; // beyond the last gain: threshold 100
-    EXPECT_EQ(256U, GetDefocus(input).out.DefocusConfidenceLevel);
-}
+    EXPECT_EQ(256U, std::get<Level>(GetDefocus(input)));
 
-TEST(DefocusConfidenceTest, RefusedThresholdLineLeavesZeroAndPasses)
-{
-    DefocusInput input;
-    input.SetSingleThreshold(0x80000000UL, 0x80000000UL);
-    DefocusResult result = GetDefocus(input);
-    EXPECT_EQ(0, result.rc);
-    EXPECT_EQ(1024U, result.out.DefocusConfidenceLevel);
-    EXPECT_EQ(0, result.out.DefocusConfidence);
+    input.SetFirstThreshold(0x80000000UL, 0x80000000UL); // the broken line refuses: threshold 0
+    EXPECT_EQ(Output(0, 0, 0, 1024, 0), GetDefocus(input));
 }
 
 TEST(DefocusConfidenceTest, SingleThresholdKnotIgnoresTheWindowAndTheThresholdAddresses)
 {
     DefocusInput input;
-    input.SetSingleThreshold(100, 100);
-    input.confidence[8][0] = input.confidence[8][1] = 999;
-    input.thresholdX[1]                             = 0; // not looked at with counts of 1
+    input.SetThresholdCounts(1);
+    input.SetFirstThreshold(100, 100);
+    input.thresholdX[1] = 0; // not looked at with counts of 1
     input.SetCentre(950, 750);
     input.data.ConfidenceLevel = 200;
-    DefocusResult result       = GetDefocus(input);
-    EXPECT_EQ(0, result.rc);
-    EXPECT_EQ(2048U, result.out.DefocusConfidenceLevel);
+    EXPECT_EQ(Output(0, 4300, 0, 2048, 0), GetDefocus(input));
 }
 
-TEST(DefocusConfidenceTest, NoThresholdGridGivesVerdictMinus2WithDefocus)
+TEST(DefocusConfidenceTest, NoGridOrSentinelPhaseSkipTheTestButKeepTheDefocus)
 {
     DefocusInput input;
-    input.data.XKnotNumDefocusOKNG = 0;
-    input.data.YKnotNumDefocusOKNG = 0;
     input.SetCentre(50, 50);
     input.slope[0]             = 1;
     input.offset[0]            = 40;
-    input.data.PhaseDifference = 5;
     input.data.ConfidenceLevel = 5000;
-    DefocusResult result       = GetDefocus(input);
-    EXPECT_EQ(0, result.rc);
-    EXPECT_EQ(45, result.out.Defocus);
-    EXPECT_EQ(-2, result.out.DefocusConfidence);
-    EXPECT_EQ(0U, result.out.DefocusConfidenceLevel);
-    EXPECT_EQ(5, result.out.PhaseDifference);
-
-    input.data.PhaseDifference = -1024; // the grid test comes before the sentinel test
-    EXPECT_EQ(-2, GetDefocus(input).out.DefocusConfidence);
-}
-
-TEST(DefocusConfidenceTest, SentinelPhaseGivesVerdictMinus3WithDefocus)
-{
-    DefocusInput input;
-    input.SetCentre(50, 50);
-    input.slope[0]             = 1;
-    input.offset[0]            = 40;
     input.data.PhaseDifference = -1024;
-    input.data.ConfidenceLevel = 5000;
-    DefocusResult result       = GetDefocus(input);
-    EXPECT_EQ(0, result.rc);
-    EXPECT_EQ(-984, result.out.Defocus);
-    EXPECT_EQ(-3, result.out.DefocusConfidence);
-    EXPECT_EQ(0U, result.out.DefocusConfidenceLevel);
-    EXPECT_EQ(-1024, result.out.PhaseDifference);
+    EXPECT_EQ(Output(0, -984, -3, 0, -1024), GetDefocus(input));
+
+    input.SetThresholdCounts(0); // the grid test comes before the sentinel test
+    EXPECT_EQ(Output(0, -984, -2, 0, -1024), GetDefocus(input));
+    input.data.PhaseDifference = 5;
+    EXPECT_EQ(Output(0, 45, -2, 0, 5), GetDefocus(input));
 }
 } // namespace

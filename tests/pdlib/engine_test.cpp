@@ -37,15 +37,23 @@ protected:
         return Start(config, &m_calibration);
     }
 
-    KelResult Frame(StatBuffer& buffer, PDLibWindowInfo window = {0.0F, 0.0F, 0.5F, 0.5F}, float gain = 1.0F)
+    /// A frame over m_buffer; the default AF window is the current image's top-left quarter.
+    KelResult Frame(PDLibWindowInfo window = {0.0F, 0.0F, 0.5F, 0.5F}, float gain = 1.0F)
     {
-        m_inputs = pdtest::MakeInputs(buffer, window, gain);
+        m_inputs = pdtest::MakeInputs(m_buffer, window, gain);
         return m_pEngine->Process(&m_inputs, m_pOutputs.get());
     }
 
     const PDLibDefocusInfo& Window(uint32_t index) const
     {
         return m_pOutputs->libOutput.defocus[index];
+    }
+
+    void ExpectZeroed(uint32_t index) const
+    {
+        EXPECT_EQ(0, Window(index).defocus) << "window " << index;
+        EXPECT_EQ(0U, Window(index).confidence);
+        EXPECT_EQ(0.0F, Window(index).phaseDiff);
     }
 
     std::set<std::string> Messages() const
@@ -64,6 +72,7 @@ protected:
     std::unique_ptr<PDLibCreateParams> m_pParams;
     PDAFDCCCalibrationData             m_calibration = {};
     PDLibInputs                        m_inputs      = {};
+    StatBuffer                         m_buffer{PDLibSensorPDStatsRaw10Conf11BitPd11Bit, Mode2};
 };
 
 TEST_F(EngineTest, InitializeLogsThePreparedValues)
@@ -104,23 +113,22 @@ TEST_F(EngineTest, PhasePlusCorrectionIsRoundedInSinglePrecision)
     EngineConfig config;
     config.correction = JustBelowOneSixteenth;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    StatBuffer buffer(config.format, Mode2);
-    buffer.SetWindow(0, 2047, 1.0F);
-    buffer.SetWindow(1, 2047, 0.5F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    m_buffer.SetWindow(0, 2047, 1.0F);
+    m_buffer.SetWindow(1, 2047, 0.5F);
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(17, Window(0).defocus); // in double: 16
     EXPECT_EQ(9, Window(1).defocus);  // in double: 8
     EXPECT_EQ(1.0625F, Window(0).phaseDiff);
 
     config.correction = -JustBelowOneSixteenth;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    buffer.SetWindow(0, 2047, -1.0F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    m_buffer.SetWindow(0, 2047, -1.0F);
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(-17, Window(0).defocus); // in double: -16
 
     config.correction = 0.03F; // -0.97 pixel is -15.52 sixteenths: toward zero
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(-15, Window(0).defocus);
 }
 
@@ -129,9 +137,8 @@ TEST_F(EngineTest, WindowAddressesAreRoundedInSinglePrecisionAndSharedByAllWindo
     m_calibration = pdtest::RampCalibration();
     EngineConfig config; // current 1000 x 1000, crop at (100, 50)
     ASSERT_EQ(KelResultSuccess, Start(config, &m_calibration));
-    StatBuffer buffer(config.format, Mode2);
     // Start (110, 68) in float, (109, 67) in double; end (600, 550): centre (355, 309).
-    ASSERT_EQ(KelResultSuccess, Frame(buffer, {0.01F, 0.018F, 0.5F, 0.5F}));
+    ASSERT_EQ(KelResultSuccess, Frame({0.01F, 0.018F, 0.5F, 0.5F}));
     for (uint32_t index = 0; index < 8; ++index)
     {
         EXPECT_EQ(355 + 1000 * 309, Window(index).defocus) << "window " << index;
@@ -145,9 +152,8 @@ TEST_F(EngineTest, NegativeAddressesClampToZero)
     config.geometry.cropX = -300;
     config.geometry.cropY = 0;
     ASSERT_EQ(KelResultSuccess, Start(config, &m_calibration));
-    StatBuffer buffer(config.format, Mode2);
     // x from -200 (0) to 200, y from -200 (0) to 400: centre (100, 200).
-    ASSERT_EQ(KelResultSuccess, Frame(buffer, {0.1F, -0.2F, 0.5F, 0.4F}));
+    ASSERT_EQ(KelResultSuccess, Frame({0.1F, -0.2F, 0.5F, 0.4F}));
     EXPECT_EQ(100 + 1000 * 200, Window(0).defocus);
 }
 
@@ -155,15 +161,14 @@ TEST_F(EngineTest, GainIsTruncatedAndNegativeGainIsZero)
 {
     EngineConfig config; // threshold 1024 at every gain up to 0x7FFFFFFF
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    StatBuffer buffer(config.format, Mode2);
-    buffer.SetWindow(0, 100, 0.0F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, -3.0F));
+    m_buffer.SetWindow(0, 100, 0.0F);
+    ASSERT_EQ(KelResultSuccess, Frame({0.0F, 0.0F, 0.5F, 0.5F}, -3.0F));
     EXPECT_EQ(100U, Window(0).confidence);
     m_log.Clear();
-    ASSERT_EQ(KelResultSuccess, Frame(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 3.9F));
+    ASSERT_EQ(KelResultSuccess, Frame({0.0F, 0.0F, 0.5F, 0.5F}, 3.9F));
     EXPECT_EQ(1U, Messages().count("imageAnalogGain:3"));
     // A gain above 0x7FFFFFFF makes every threshold line refuse: threshold 0, the window passes.
-    ASSERT_EQ(KelResultSuccess, Frame(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 3.0e9F));
+    ASSERT_EQ(KelResultSuccess, Frame({0.0F, 0.0F, 0.5F, 0.5F}, 3.0e9F));
     EXPECT_EQ(1023U, Window(0).confidence);
 }
 
@@ -171,13 +176,12 @@ TEST_F(EngineTest, ConfidenceIsLimitedTo1023AndAFailingWindowKeepsItsLevel)
 {
     EngineConfig config; // threshold 1024: the level is the sensor's confidence
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 7.0F));
-    StatBuffer buffer(config.format, Mode2);
     const uint32_t confidences[4] = {100, 1023, 1024, 2047};
     for (uint32_t index = 0; index < 4; ++index)
     {
-        buffer.SetWindow(index, confidences[index], 0.5F);
+        m_buffer.SetWindow(index, confidences[index], 0.5F);
     }
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(100U, Window(0).confidence);
     EXPECT_EQ(15, Window(0).defocus); // a failing window still delivers its defocus
     EXPECT_EQ(1023U, Window(1).confidence);
@@ -190,18 +194,17 @@ TEST_F(EngineTest, DefocusShiftIsArithmetic)
     EngineConfig config;
     config.bitShift = 2;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    StatBuffer buffer(config.format, Mode2);
-    buffer.SetWindow(0, 2047, -0.0625F); // -1
-    buffer.SetWindow(1, 2047, -1.0625F); // -17
-    buffer.SetWindow(2, 2047, 1.0625F);  // 17
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    m_buffer.SetWindow(0, 2047, -0.0625F); // -1
+    m_buffer.SetWindow(1, 2047, -1.0625F); // -17
+    m_buffer.SetWindow(2, 2047, 1.0625F);  // 17
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(-1, Window(0).defocus);
     EXPECT_EQ(-5, Window(1).defocus);
     EXPECT_EQ(4, Window(2).defocus);
 
     config.bitShift = 31;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(-1, Window(0).defocus);
     EXPECT_EQ(0, Window(2).defocus);
 }
@@ -210,8 +213,7 @@ TEST_F(EngineTest, WritesOnlyTheCountsAndTheThreeFieldsOfEachWindow)
 {
     EngineConfig config;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    StatBuffer buffer(config.format, Mode2);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    ASSERT_EQ(KelResultSuccess, Frame());
 
     const std::unique_ptr<PDLibOutputs> pPristine = pdtest::MakePatternedOutputs();
     const PDLibOutputData& before = pPristine->libOutput;
@@ -235,32 +237,18 @@ TEST_F(EngineTest, WithoutCalibrationEveryWindowIsZeroed)
 {
     EngineConfig config;
     ASSERT_EQ(KelResultSuccess, Start(config, nullptr));
-    StatBuffer buffer(config.format, Mode2);
-    buffer.SetWindow(0, 2047, 3.0F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    m_buffer.SetWindow(0, 2047, 3.0F);
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(8U, m_pOutputs->libOutput.horizontalWindowCount);
     EXPECT_EQ(1U, m_pOutputs->libOutput.verticalWindowCount);
     for (uint32_t index = 0; index < 8; ++index)
     {
-        EXPECT_EQ(0, Window(index).defocus);
-        EXPECT_EQ(0U, Window(index).confidence);
-        EXPECT_EQ(0.0F, Window(index).phaseDiff);
+        ExpectZeroed(index);
     }
     EXPECT_EQ(1U, m_log.Count("() 0: PDAF_LIB_ERROR: rc = -44, DefocusConfidence = -1"));
 }
 
-TEST_F(EngineTest, InitializeAgainWithoutCalibrationKeepsTheGrid)
-{
-    EngineConfig config;
-    ASSERT_EQ(KelResultSuccess, StartFlat(config, 7.0F));
-    ASSERT_EQ(KelResultSuccess, Start(config, nullptr));
-    StatBuffer buffer(config.format, Mode2);
-    buffer.SetWindow(0, 2047, 1.0F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
-    EXPECT_EQ(23, Window(0).defocus);
-}
-
-TEST_F(EngineTest, NullArgumentsAreRefusedAndChangeNothing)
+TEST_F(EngineTest, NullArgumentsChangeNothingAndNullCalibrationKeepsTheGrid)
 {
     EngineConfig config;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 7.0F));
@@ -268,25 +256,24 @@ TEST_F(EngineTest, NullArgumentsAreRefusedAndChangeNothing)
     EXPECT_EQ(1U, m_log.Count("[ERROR]"));
     EXPECT_EQ(1U, m_log.Count("() Invalid the pCreateParams parameters"));
 
-    StatBuffer buffer(config.format, Mode2);
-    m_inputs = pdtest::MakeInputs(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 1.0F);
+    m_inputs = pdtest::MakeInputs(m_buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 1.0F);
     EXPECT_EQ(KelResultEInvalidArg, m_pEngine->Process(nullptr, m_pOutputs.get()));
     EXPECT_EQ(KelResultEInvalidArg, m_pEngine->Process(&m_inputs, nullptr));
     EXPECT_EQ(2U, m_log.Count("() ERROR: NULL pointer for input"));
 
-    buffer.SetWindow(0, 2047, 1.0F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer));
+    ASSERT_EQ(KelResultSuccess, Start(config, nullptr));
+    m_buffer.SetWindow(0, 2047, 1.0F);
+    ASSERT_EQ(KelResultSuccess, Frame());
     EXPECT_EQ(23, Window(0).defocus);
 }
 
 TEST_F(EngineTest, UnknownFormatOrNoInitializeGivesZeroWindows)
 {
-    StatBuffer buffer(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, Mode2);
-    EXPECT_EQ(KelResultSuccess, Frame(buffer)); // before Initialize: format 0
+    EXPECT_EQ(KelResultSuccess, Frame()); // before Initialize: format 0
     EngineConfig config;
     config.format = PDLibSensorPDStatsCustom;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-    EXPECT_EQ(KelResultSuccess, Frame(buffer));
+    EXPECT_EQ(KelResultSuccess, Frame());
 
     EXPECT_EQ(2U, m_log.Count("() unsupported PD data type"));
     EXPECT_EQ(0U, m_pOutputs->libOutput.horizontalWindowCount);
@@ -303,8 +290,7 @@ TEST_F(EngineTest, ThresholdOfZeroOrBelowPassesEveryWindow)
         EngineConfig config;
         config.threshold = threshold;
         ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
-        StatBuffer buffer(config.format, Mode2);
-        ASSERT_EQ(KelResultSuccess, Frame(buffer));
+        ASSERT_EQ(KelResultSuccess, Frame());
         EXPECT_EQ(1023U, Window(0).confidence) << "threshold " << threshold;
     }
 }
@@ -314,12 +300,9 @@ TEST_F(EngineTest, WindowEndingOnTheFullWidthIsRefused)
     EngineConfig config;
     config.geometry = {1000, 1000, 1000, 1000, 0, 0};
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 7.0F));
-    StatBuffer buffer(config.format, Mode2);
-    buffer.SetWindow(0, 2047, 1.0F);
-    ASSERT_EQ(KelResultSuccess, Frame(buffer, {0.0F, 0.0F, 1.0F, 0.5F}));
-    EXPECT_EQ(0, Window(0).defocus);
-    EXPECT_EQ(0U, Window(0).confidence);
-    EXPECT_EQ(0.0F, Window(0).phaseDiff);
+    m_buffer.SetWindow(0, 2047, 1.0F);
+    ASSERT_EQ(KelResultSuccess, Frame({0.0F, 0.0F, 1.0F, 0.5F}));
+    ExpectZeroed(0);
     EXPECT_EQ(1U, m_log.Count("() 0: PDAF_LIB_ERROR: rc = -42, DefocusConfidence = -1"));
     EXPECT_EQ(8U, m_log.Count("() (0.000000, 0.000000), (1.000000, 0.500000)"));
 }

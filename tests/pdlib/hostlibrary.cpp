@@ -10,12 +10,6 @@ namespace pdtest
 {
 namespace
 {
-template <typename Function>
-Function Resolve(void* handle, const char* name)
-{
-    return reinterpret_cast<Function>(dlsym(handle, name));
-}
-
 HostLibrary Load()
 {
     HostLibrary library;
@@ -25,19 +19,31 @@ HostLibrary Load()
         ADD_FAILURE() << "dlopen " << PDLIBVARK_LIBRARY_PATH << ": " << dlerror();
         return library;
     }
-    library.entry           = Resolve<PFNKELPDLIBRARYENTRY>(library.handle, "KelPDLibraryEntry");
-    library.create          = Resolve<CREATEPD>(library.handle, "CreatePDLib");
-    library.queryVendorTag  = Resolve<PFNKELQUERYVENDORTAG>(library.handle, "PDLibQueryVendorTag");
-    library.getCapabilities = Resolve<PFNALGORITHMGETCAPABILITIES>(library.handle, "PDGetCapabilities");
-    library.getDefocus      = Resolve<long (*)(void*, void*)>(library.handle, "PdLibGetDefocus");
+    library.entry           = reinterpret_cast<PFNKELPDLIBRARYENTRY>(dlsym(library.handle, "KelPDLibraryEntry"));
+    library.create          = reinterpret_cast<CREATEPD>(dlsym(library.handle, "CreatePDLib"));
+    library.queryVendorTag  = reinterpret_cast<PFNKELQUERYVENDORTAG>(dlsym(library.handle, "PDLibQueryVendorTag"));
+    library.getCapabilities = reinterpret_cast<PFNALGORITHMGETCAPABILITIES>(dlsym(library.handle, "PDGetCapabilities"));
+    library.getDefocus      = reinterpret_cast<long (*)(void*, void*)>(dlsym(library.handle, "PdLibGetDefocus"));
     return library;
 }
-} // namespace
 
-void* HostLibrary::Find(const char* name) const
+/// Entries of a create or destroy list: the indicator and the camera information, each where given.
+template <typename Param, typename Type>
+std::vector<Param> ParamList(Type indicatorType, Type infoType, std::optional<UINT32>& indicator, UINT32 indicatorSize,
+                             StatsCameraInfo* pInfo)
 {
-    return (nullptr == handle) ? nullptr : dlsym(handle, name);
+    std::vector<Param> params;
+    if (indicator.has_value())
+    {
+        params.push_back({indicatorType, &indicator.value(), indicatorSize});
+    }
+    if (nullptr != pInfo)
+    {
+        params.push_back({infoType, pInfo, sizeof(StatsCameraInfo)});
+    }
+    return params;
 }
+} // namespace
 
 const HostLibrary& Library()
 {
@@ -49,46 +55,32 @@ KelResult OpenCamera(KELPDLib** ppHandle, std::optional<UINT32> indicator, std::
                      UINT32 indicatorSize)
 {
     StatsCameraInfo info = {StatsAlgoRoleDefault, cameraId.value_or(0)};
-    std::vector<PDLibCreateParam> params;
-    if (indicator.has_value())
-    {
-        params.push_back({PDLibCreateParamTypeCameraOpenIndicator, &indicator.value(), indicatorSize});
-    }
-    if (cameraId.has_value())
-    {
-        params.push_back({PDLibCreateParamTypeCameraInfo, &info, sizeof(info)});
-    }
+    std::vector<PDLibCreateParam> params = ParamList<PDLibCreateParam>(
+        PDLibCreateParamTypeCameraOpenIndicator, PDLibCreateParamTypeCameraInfo, indicator, indicatorSize,
+        cameraId.has_value() ? &info : nullptr);
     PDLibCreateParamList list = {params.data(), static_cast<UINT32>(params.size())};
     return Library().create(ppHandle, &list);
 }
 
-void CloseCamera(KELPDLib* pHandle, std::optional<UINT32> indicator, std::optional<UINT32> cameraId)
+void CloseCamera(const KELPDLib& table, std::optional<UINT32> indicator, std::optional<UINT32> cameraId)
 {
     StatsCameraInfo info = {StatsAlgoRoleDefault, cameraId.value_or(0)};
-    std::vector<PDLibDestroyParam> params;
-    if (indicator.has_value())
-    {
-        params.push_back({PDLibDestroyParamTypeCameraCloseIndicator, &indicator.value(), sizeof(UINT32)});
-    }
-    if (cameraId.has_value())
-    {
-        params.push_back({PDLibDestroyParamTypeCameraInfo, &info, sizeof(info)});
-    }
+    std::vector<PDLibDestroyParam> params = ParamList<PDLibDestroyParam>(
+        PDLibDestroyParamTypeCameraCloseIndicator, PDLibDestroyParamTypeCameraInfo, indicator, sizeof(UINT32),
+        cameraId.has_value() ? &info : nullptr);
     PDLibDestroyParamList list = {params.data(), static_cast<UINT32>(params.size())};
-    pHandle->PDLibDestroy(pHandle, &list);
+    table.PDLibDestroy(nullptr, &list); // the handle argument is not looked at
 }
 
-HostCamera::HostCamera(UINT32 cameraId) : m_cameraId(cameraId)
+void CloseAllCameras()
 {
-    EXPECT_EQ(KelResultSuccess, OpenCamera(&m_pHandle, 1U, cameraId));
-    EXPECT_NE(nullptr, m_pHandle);
-}
-
-HostCamera::~HostCamera()
-{
-    if (nullptr != m_pHandle)
+    // PDLibDestroy is reached only through a table; copied, as closing camera 0 frees it.
+    KELPDLib* pAny = nullptr;
+    ASSERT_EQ(KelResultSuccess, OpenCamera(&pAny, 1U, 0U));
+    const KELPDLib table = *pAny;
+    for (UINT32 cameraId = 0; cameraId < MaxCameras; ++cameraId)
     {
-        CloseCamera(m_pHandle, 1U, m_cameraId);
+        CloseCamera(table, 1U, cameraId);
     }
 }
 } // namespace pdtest

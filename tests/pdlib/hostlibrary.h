@@ -5,22 +5,18 @@
 
 #include <optional>
 
-#include "PdafLibrary.h"
 #include "orvopdlibinterface.h"
 
 namespace pdtest
 {
 struct HostLibrary
 {
+    void*                       handle          = nullptr;
     PFNKELPDLIBRARYENTRY        entry           = nullptr;
     CREATEPD                    create          = nullptr;
     PFNKELQUERYVENDORTAG        queryVendorTag  = nullptr;
     PFNALGORITHMGETCAPABILITIES getCapabilities = nullptr;
     long (*getDefocus)(void* input, void* output) = nullptr;
-    void* handle = nullptr;
-
-    /// A name among the library's exported symbols, or null.
-    void* Find(const char* name) const;
 };
 
 /// Loaded on first use and kept for the process: camera instances live in the library.
@@ -30,27 +26,11 @@ const HostLibrary& Library();
 KelResult OpenCamera(KELPDLib** ppHandle, std::optional<UINT32> indicator, std::optional<UINT32> cameraId,
                      UINT32 indicatorSize = sizeof(UINT32));
 
-/// Calls PDLibDestroy of the handle's table with a list built the same way.
-void CloseCamera(KELPDLib* pHandle, std::optional<UINT32> indicator, std::optional<UINT32> cameraId);
+/// Calls PDLibDestroy of the table with a list built the same way.
+void CloseCamera(const KELPDLib& table, std::optional<UINT32> indicator, std::optional<UINT32> cameraId);
 
-/// One camera really opened (indicator 1) for the life of the object, and really closed after.
-class HostCamera
-{
-public:
-    explicit HostCamera(UINT32 cameraId);
-    ~HostCamera();
-    HostCamera(const HostCamera&)            = delete;
-    HostCamera& operator=(const HostCamera&) = delete;
-
-    KELPDLib* Handle() const
-    {
-        return m_pHandle;
-    }
-
-private:
-    UINT32    m_cameraId;
-    KELPDLib* m_pHandle = nullptr;
-};
+/// Closes every camera id for real, so that no instance outlives a test.
+void CloseAllCameras();
 } // namespace pdtest
 
 #endif // TESTS_PDLIB_HOSTLIBRARY_H

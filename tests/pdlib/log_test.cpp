@@ -17,21 +17,46 @@ namespace
 using pdtest::Library;
 using testsupport::CapturedLine;
 
-/// Checks "<mark><pid> <tid> <tag> <file>:<line> <function>() <message>" in full.
-void ExpectLine(const CapturedLine& line, const std::string& mark, const std::string& tag, const std::string& file,
-                const std::string& function, const std::string& message)
+struct ExpectedLine
 {
-    const std::regex form("^(\\[[ A-Z]{5}\\])(-?\\d+) (-?\\d+) (\\[[A-Z_ ]+\\]) ([^ :]+):(\\d+) ([A-Za-z_0-9]+)\\(\\) (.*)$");
+    const char*  mark;
+    const char*  letter;
+    UINT32       level;
+    OrvoLogGroup group;
+    const char*  tag;
+    const char*  file;
+    const char*  function;
+    const char*  message;
+};
+
+/// Finds the one line with the message and checks
+/// "<mark><pid> <tid> <tag> <file>:<line> <function>() <message>" and the arguments of LogSystem.
+void ExpectLine(const std::vector<CapturedLine>& lines, const ExpectedLine& expected)
+{
+    SCOPED_TRACE(expected.message);
+    const CapturedLine* pFound = nullptr;
+    for (const CapturedLine& line : lines)
+    {
+        if (testsupport::LogCapture::MessageOf(line.text) == expected.message)
+        {
+            ASSERT_EQ(nullptr, pFound) << "logged twice";
+            pFound = &line;
+        }
+    }
+    ASSERT_NE(nullptr, pFound);
+    const std::regex form("^(\\[[ A-Z]{5}\\])(-?\\d+) (-?\\d+) (\\[[A-Z_ ]+\\]) ([^ :]+):(\\d+) ([A-Za-z_0-9]+)\\(\\) ");
     std::smatch parts;
-    ASSERT_TRUE(std::regex_match(line.text, parts, form)) << line.text;
-    EXPECT_EQ(mark, parts[1].str());
+    ASSERT_TRUE(std::regex_search(pFound->text, parts, form)) << pFound->text;
+    EXPECT_EQ(expected.mark, parts[1].str());
     EXPECT_EQ(std::to_string(getpid()), parts[2].str());
     EXPECT_EQ(std::to_string(Orvo::OsUtils::GetThreadID()), parts[3].str());
-    EXPECT_EQ(tag, parts[4].str());
-    EXPECT_EQ(file, parts[5].str());
+    EXPECT_EQ(expected.tag, parts[4].str());
+    EXPECT_EQ(expected.file, parts[5].str());
     EXPECT_LT(0, std::stoi(parts[6].str()));
-    EXPECT_EQ(function, parts[7].str());
-    EXPECT_EQ(message, parts[8].str());
+    EXPECT_EQ(expected.function, parts[7].str());
+    EXPECT_EQ(expected.letter, pFound->levelLetter);
+    EXPECT_EQ(expected.level, pFound->level);
+    EXPECT_EQ(expected.group, pFound->group);
 }
 
 class LogTest : public testing::Test
@@ -48,7 +73,7 @@ protected:
         Library().entry(&callbacks);
     }
 
-    /// Opens camera 0, runs one frame and closes it again.
+    /// Opens camera 0, runs one frame at gain 2 and closes the camera again.
     void RunFrame()
     {
         PDAFDCCCalibrationData calibration = pdtest::FlatCalibration(0.0F, 0.0F);
@@ -56,57 +81,35 @@ protected:
         pdtest::StatBuffer buffer(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, 0x80);
         PDLibInputs inputs = pdtest::MakeInputs(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 2.0F);
         std::unique_ptr<PDLibOutputs> pOutputs = pdtest::MakePatternedOutputs();
-        pdtest::HostCamera camera(0);
-        camera.Handle()->PDLibInitialize(camera.Handle(), pParams.get());
-        camera.Handle()->PDLibProcess(camera.Handle(), &inputs, pOutputs.get());
+        KELPDLib* pHandle = nullptr;
+        ASSERT_EQ(KelResultSuccess, pdtest::OpenCamera(&pHandle, 1U, 0U));
+        pHandle->PDLibInitialize(pHandle, pParams.get());
+        pHandle->PDLibProcess(pHandle, &inputs, pOutputs.get());
+        pdtest::CloseCamera(*pHandle, 1U, 0U);
     }
 
     testsupport::LogCapture m_log;
 };
 
-TEST_F(LogTest, ErrorLineOfTheFrameworkGroup)
+TEST_F(LogTest, LinesCarryMarkPidTidTagFileLineFunctionAndLevel)
 {
     Library().queryVendorTag(nullptr);
-    std::vector<CapturedLine> lines = m_log.Lines();
-    ASSERT_EQ(1U, lines.size());
-    ExpectLine(lines[0], "[ERROR]", "[KEL    ]", "orvopdlibinterface.cpp", "PDLibQueryVendorTag",
-               "Invalid argument: pQueryVendorTag is NULL");
-    EXPECT_EQ(OrvoLogGroupKel, lines[0].group);
-    EXPECT_EQ("E", lines[0].levelLetter);
-    EXPECT_EQ(OrvoLogError, lines[0].level);
-}
-
-TEST_F(LogTest, ErrorLineOfTheAutofocusGroup)
-{
     Library().entry(nullptr);
-    std::vector<CapturedLine> lines = m_log.Matching("pCallBacks");
-    ASSERT_EQ(1U, lines.size());
-    ExpectLine(lines[0], "[ERROR]", "[STATS_AF]", "orvopdlibinterface.cpp", "KelPDLibraryEntry",
-               "Invalid argument: pCallBacks is NULL");
-    EXPECT_EQ(OrvoLogGroupAF, lines[0].group);
-    EXPECT_EQ("E", lines[0].levelLetter);
-}
-
-TEST_F(LogTest, InfoLine)
-{
-    CallEntry();
-    std::vector<CapturedLine> lines = m_log.Lines();
-    ASSERT_EQ(1U, lines.size());
-    ExpectLine(lines[0], "[ INFO]", "[STATS_AF]", "orvopdlibinterface.cpp", "KelPDLibraryEntry", "KelPDLibrarEntry");
-    EXPECT_EQ(OrvoLogGroupAF, lines[0].group);
-    EXPECT_EQ("I", lines[0].levelLetter);
-    EXPECT_EQ(OrvoLogInfo, lines[0].level);
-}
-
-TEST_F(LogTest, VerboseLine)
-{
     RunFrame();
-    std::vector<CapturedLine> lines = m_log.Matching("imageAnalogGain:");
-    ASSERT_EQ(1U, lines.size());
-    ExpectLine(lines[0], "[ VERB]", "[STATS_AF]", "pdlib_type1.cpp", "Process", "imageAnalogGain:2");
-    EXPECT_EQ(OrvoLogGroupAF, lines[0].group);
-    EXPECT_EQ("V", lines[0].levelLetter);
-    EXPECT_EQ(OrvoLogVerbose, lines[0].level);
+    const ExpectedLine expected[] = {
+        {"[ERROR]", "E", OrvoLogError, OrvoLogGroupKel, "[KEL    ]", "orvopdlibinterface.cpp", "PDLibQueryVendorTag",
+         "Invalid argument: pQueryVendorTag is NULL"},
+        {"[ERROR]", "E", OrvoLogError, OrvoLogGroupAF, "[STATS_AF]", "orvopdlibinterface.cpp", "KelPDLibraryEntry",
+         "Invalid argument: pCallBacks is NULL"},
+        {"[ INFO]", "I", OrvoLogInfo, OrvoLogGroupAF, "[STATS_AF]", "orvopdlibinterface.cpp", "KelPDLibraryEntry",
+         "KelPDLibrarEntry"},
+        {"[ VERB]", "V", OrvoLogVerbose, OrvoLogGroupAF, "[STATS_AF]", "pdlib_type1.cpp", "Process", "imageAnalogGain:2"},
+    };
+    const std::vector<CapturedLine> lines = m_log.Lines();
+    for (const ExpectedLine& line : expected)
+    {
+        ExpectLine(lines, line);
+    }
 }
 
 TEST_F(LogTest, LoadedSettingsWithoutTheGroupStopInfoAndVerboseButNotErrors)

@@ -43,11 +43,6 @@ protected:
         return pParsed;
     }
 
-    static void PutRecord(StatBuffer& buffer, uint32_t index, std::array<uint8_t, 5> bytes)
-    {
-        std::memcpy(buffer.Bytes() + buffer.RecordStart() + 5 * index, bytes.data(), bytes.size());
-    }
-
     static void ExpectWindow(const Parsed& parsed, uint32_t index, uint32_t confidence, float phase)
     {
         SCOPED_TRACE(testing::Message() << "window " << index);
@@ -59,44 +54,39 @@ protected:
     testsupport::LogCapture m_log;
 };
 
-TEST_F(ParserTest, Format1RecordsTakeConfidenceFromByte0AndTenPhaseBits)
+struct RecordCase
 {
-    StatBuffer buffer(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, 0x80);
-    PutRecord(buffer, 0, {0x7F, 0x80, 0x00, 0x00, 0x00});
-    PutRecord(buffer, 1, {0x10, 0x7F, 0xC0, 0x00, 0x00});
-    PutRecord(buffer, 2, {0x10, 0x7F, 0xFF, 0xFF, 0xFF}); // bits 5..0 of byte 2, bytes 3 and 4 unread
-    std::unique_ptr<Parsed> parsed = Parse(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, buffer);
-    EXPECT_EQ(8U, parsed->horizontal);
-    EXPECT_EQ(1U, parsed->vertical);
-    ExpectWindow(*parsed, 0, 127, -32.0F);
-    ExpectWindow(*parsed, 1, 16, 31.9375F);
-    ExpectWindow(*parsed, 2, 16, 31.9375F);
-}
+    PDLibSensorPDStatsFormat format;
+    std::array<uint8_t, 5>   bytes;
+    uint32_t                 confidence;
+    float                    phase;
+};
 
-TEST_F(ParserTest, Format2RecordsCarryElevenBitConfidenceAndPhase)
+TEST_F(ParserTest, RecordBitLayoutsOfTheThreeFormats)
 {
-    StatBuffer buffer(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, 0x80);
-    PutRecord(buffer, 0, {0xFF, 0xFF, 0xFC, 0x00, 0x00});
-    PutRecord(buffer, 1, {0x00, 0x10, 0x00, 0x00, 0x00});
-    PutRecord(buffer, 2, {0x12, 0xA3, 0x48, 0x00, 0x00});
-    PutRecord(buffer, 3, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF}); // bits 1..0 of byte 2 unread
-    std::unique_ptr<Parsed> parsed = Parse(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, buffer);
-    ExpectWindow(*parsed, 0, 2047, -0.0625F);
-    ExpectWindow(*parsed, 1, 0, -64.0F);
-    ExpectWindow(*parsed, 2, 149, 13.125F);
-    ExpectWindow(*parsed, 3, 2047, -0.0625F);
-}
-
-TEST_F(ParserTest, Format3RecordsCarryElevenBitConfidenceAndTenBitPhase)
-{
-    StatBuffer buffer(PDLibSensorPDStatsRaw10Conf11BitPd10Bit, 0x80);
-    PutRecord(buffer, 0, {0x00, 0x10, 0x00, 0x00, 0x00});
-    PutRecord(buffer, 1, {0xFF, 0xEF, 0xF8, 0x00, 0x00});
-    PutRecord(buffer, 2, {0xFF, 0xEF, 0xFF, 0xFF, 0xFF}); // bits 2..0 of byte 2 unread
-    std::unique_ptr<Parsed> parsed = Parse(PDLibSensorPDStatsRaw10Conf11BitPd10Bit, buffer);
-    ExpectWindow(*parsed, 0, 0, -32.0F);
-    ExpectWindow(*parsed, 1, 2047, 31.9375F);
-    ExpectWindow(*parsed, 2, 2047, 31.9375F);
+    const RecordCase cases[] = {
+        {PDLibSensorPDStatsRaw10Conf8BitPd10Bit, {0x7F, 0x80, 0x00, 0x00, 0x00}, 127, -32.0F},
+        {PDLibSensorPDStatsRaw10Conf8BitPd10Bit, {0x10, 0x7F, 0xC0, 0x00, 0x00}, 16, 31.9375F},
+        {PDLibSensorPDStatsRaw10Conf8BitPd10Bit, {0x10, 0x7F, 0xFF, 0xFF, 0xFF}, 16, 31.9375F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd11Bit, {0xFF, 0xFF, 0xFC, 0x00, 0x00}, 2047, -0.0625F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd11Bit, {0x00, 0x10, 0x00, 0x00, 0x00}, 0, -64.0F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd11Bit, {0x12, 0xA3, 0x48, 0x00, 0x00}, 149, 13.125F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd11Bit, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, 2047, -0.0625F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd10Bit, {0x00, 0x10, 0x00, 0x00, 0x00}, 0, -32.0F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd10Bit, {0xFF, 0xEF, 0xF8, 0x00, 0x00}, 2047, 31.9375F},
+        {PDLibSensorPDStatsRaw10Conf11BitPd10Bit, {0xFF, 0xEF, 0xFF, 0xFF, 0xFF}, 2047, 31.9375F},
+    };
+    for (const RecordCase& record : cases)
+    {
+        // The record goes to window 5 of mode 2, so the first record's offset counts too.
+        StatBuffer buffer(record.format, 0x80);
+        std::memcpy(buffer.Bytes() + buffer.RecordStart() + 5 * 5, record.bytes.data(), record.bytes.size());
+        std::unique_ptr<Parsed> parsed = Parse(record.format, buffer);
+        EXPECT_EQ(8U, parsed->horizontal);
+        EXPECT_EQ(1U, parsed->vertical);
+        SCOPED_TRACE(testing::Message() << "format " << record.format << ", byte 0 " << int{record.bytes[0]});
+        ExpectWindow(*parsed, 5, record.confidence, record.phase);
+    }
 }
 
 float PhaseOfWindow(uint32_t index)
@@ -104,78 +94,64 @@ float PhaseOfWindow(uint32_t index)
     return static_cast<float>(static_cast<int>(index % 64) - 32) / 16.0F;
 }
 
-TEST_F(ParserTest, Mode0Reads192ContiguousRecords)
+struct ModeCase
 {
-    for (PDLibSensorPDStatsFormat format : AllFormats)
+    uint8_t  byte1;
+    uint32_t horizontal;
+    uint32_t vertical;
+    size_t (*recordOffset)(uint32_t index);
+};
+
+TEST_F(ParserTest, Modes0And1ReadTheirRecordsWithTheirStrides)
+{
+    const ModeCase modes[] = {
+        {0x00, 16, 12, [](uint32_t index) -> size_t { return 5 * index; }},
+        // Eight records of each sixteen-wide row, the row being 80 bytes long.
+        {0x40, 8, 6, [](uint32_t index) -> size_t { return 80 * (index / 8) + 5 * (index % 8); }},
+    };
+    for (const ModeCase& mode : modes)
     {
-        SCOPED_TRACE(testing::Message() << "format " << format);
-        StatBuffer buffer(format, 0x00);
-        for (uint32_t index = 0; index < 192; ++index)
+        for (PDLibSensorPDStatsFormat format : AllFormats)
         {
-            buffer.SetWindow(index, index, PhaseOfWindow(index));
-        }
-        std::unique_ptr<Parsed> parsed = Parse(format, buffer);
-        EXPECT_EQ(16U, parsed->horizontal);
-        EXPECT_EQ(12U, parsed->vertical);
-        for (uint32_t index = 0; index < 192; ++index)
-        {
-            ExpectWindow(*parsed, index, index, PhaseOfWindow(index));
+            SCOPED_TRACE(testing::Message() << "format " << format << ", byte 1 " << int{mode.byte1});
+            StatBuffer buffer(format, mode.byte1);
+            // Records that are not read carry other values, so reading them shows.
+            std::memset(buffer.Bytes() + buffer.RecordStart(), 0xEE, 16 * 12 * 5);
+            const uint32_t count = mode.horizontal * mode.vertical;
+            for (uint32_t index = 0; index < count; ++index)
+            {
+                buffer.SetRecordAt(buffer.RecordStart() + mode.recordOffset(index), index + 1, PhaseOfWindow(index));
+            }
+            std::unique_ptr<Parsed> parsed = Parse(format, buffer);
+            EXPECT_EQ(mode.horizontal, parsed->horizontal);
+            EXPECT_EQ(mode.vertical, parsed->vertical);
+            for (uint32_t index = 0; index < count; ++index)
+            {
+                ExpectWindow(*parsed, index, index + 1, PhaseOfWindow(index));
+            }
         }
     }
 }
 
-TEST_F(ParserTest, Mode1ReadsEightRecordsOfEachSixteenWideRow)
+TEST_F(ParserTest, Mode3AndUnsupportedFormatsAreRefusedBeforeAnyWindow)
 {
-    for (PDLibSensorPDStatsFormat format : AllFormats)
-    {
-        SCOPED_TRACE(testing::Message() << "format " << format);
-        StatBuffer buffer(format, 0x40);
-        // The unused columns carry other values, so reading them shows.
-        std::memset(buffer.Bytes() + buffer.RecordStart(), 0xEE, 16 * 12 * 5);
-        for (uint32_t index = 0; index < 48; ++index)
-        {
-            const size_t offset = buffer.RecordStart() + 80 * (index / 8) + 5 * (index % 8);
-            buffer.SetRecordAt(offset, index + 1, PhaseOfWindow(index));
-        }
-        std::unique_ptr<Parsed> parsed = Parse(format, buffer);
-        EXPECT_EQ(8U, parsed->horizontal);
-        EXPECT_EQ(6U, parsed->vertical);
-        for (uint32_t index = 0; index < 48; ++index)
-        {
-            ExpectWindow(*parsed, index, index + 1, PhaseOfWindow(index));
-        }
-    }
-}
-
-TEST_F(ParserTest, Mode3IsRefusedInEveryFormat)
-{
-    for (PDLibSensorPDStatsFormat format : AllFormats)
+    for (PDLibSensorPDStatsFormat format : {PDLibSensorPDStatsCustom, PDLibSensorPDStatsRaw10Conf8BitPd10Bit,
+                                            PDLibSensorPDStatsRaw10Conf11BitPd11Bit, PDLibSensorPDStatsRaw10Conf11BitPd10Bit})
     {
         SCOPED_TRACE(testing::Message() << "format " << format);
         m_log.Clear();
-        StatBuffer buffer(format, 0xC0);
+        StatBuffer buffer(format, (PDLibSensorPDStatsCustom == format) ? 0x80 : 0xC0);
         buffer.SetWindow(0, 7, 1.0F);
         std::unique_ptr<Parsed> parsed = Parse(format, buffer);
         EXPECT_EQ(0U, parsed->horizontal);
         EXPECT_EQ(0U, parsed->vertical);
         EXPECT_EQ(0xA5A5A5A5U, parsed->windows[0].df_conf_level);
-        std::vector<testsupport::CapturedLine> lines = m_log.Matching("bad win_mode");
-        ASSERT_EQ(1U, lines.size());
-        EXPECT_EQ("bad win_mode: 3", testsupport::LogCapture::MessageOf(lines[0].text));
-        EXPECT_EQ(OrvoLogError, lines[0].level);
+        std::vector<testsupport::CapturedLine> errors = m_log.Matching("[ERROR]");
+        ASSERT_EQ(1U, errors.size());
+        EXPECT_EQ((PDLibSensorPDStatsCustom == format) ? "unsupported PD data type" : "bad win_mode: 3",
+                  testsupport::LogCapture::MessageOf(errors[0].text));
+        EXPECT_EQ(OrvoLogError, errors[0].level);
     }
-}
-
-TEST_F(ParserTest, UnsupportedFormatIsRefused)
-{
-    StatBuffer buffer(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, 0x80);
-    std::unique_ptr<Parsed> parsed = Parse(PDLibSensorPDStatsCustom, buffer);
-    EXPECT_EQ(0U, parsed->horizontal);
-    EXPECT_EQ(0U, parsed->vertical);
-    std::vector<testsupport::CapturedLine> lines = m_log.Matching("unsupported PD data type");
-    ASSERT_EQ(1U, lines.size());
-    EXPECT_EQ("unsupported PD data type", testsupport::LogCapture::MessageOf(lines[0].text));
-    EXPECT_EQ(OrvoLogError, lines[0].level);
 }
 
 TEST_F(ParserTest, OnlyBits7And6OfByte1SelectTheMode)
@@ -189,25 +165,11 @@ TEST_F(ParserTest, OnlyBits7And6OfByte1SelectTheMode)
     }
 }
 
-TEST_F(ParserTest, CountsMayBeLeftUnasked)
-{
-    pdtest::EngineConfig config;
-    std::unique_ptr<PDLibCreateParams> pParams = pdtest::MakeCreateParams(config, nullptr);
-    auto pEngine = std::make_unique<pdlib_type1>();
-    pEngine->Initialize(pParams.get());
-    StatBuffer buffer(config.format, 0x80);
-    buffer.SetWindow(7, 300, -2.5F);
-    pdaf_lib_defocus_t windows[PDMaxWindowSize] = {};
-    pEngine->ParsePd(buffer.Bytes(), windows, nullptr, nullptr);
-    EXPECT_EQ(300U, windows[7].df_conf_level);
-    EXPECT_EQ(-2.5F, windows[7].phase_diff);
-}
-
 TEST_F(ParserTest, VerboseLinesTellFlagModeAndEachWindow)
 {
     StatBuffer buffer(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, 0x80);
     buffer.Bytes()[0] = 0xA5;
-    PutRecord(buffer, 0, {0x7F, 0x80, 0x00, 0x00, 0x00});
+    buffer.SetWindow(0, 127, -32.0F);
     Parse(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, buffer);
     std::vector<testsupport::CapturedLine> header = m_log.Matching("PDAF parsing PD stats");
     ASSERT_EQ(1U, header.size());

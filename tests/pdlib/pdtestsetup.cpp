@@ -5,12 +5,10 @@
 
 namespace pdtest
 {
-namespace
-{
 // Room for the highest record of every mode (mode 0 ends at byte 970).
 constexpr size_t BufferBytes = 1024;
 
-PDAFDCCCalibrationData TwoByTwoKnots()
+PDAFDCCCalibrationData FlatCalibration(FLOAT slope, FLOAT offset)
 {
     PDAFDCCCalibrationData calibration = {};
     calibration.isAvailable            = 1;
@@ -18,13 +16,6 @@ PDAFDCCCalibrationData TwoByTwoKnots()
     calibration.knotYCount             = 2;
     calibration.slopeOffsetAddressX[1] = 1000;
     calibration.slopeOffsetAddressY[1] = 1000;
-    return calibration;
-}
-} // namespace
-
-PDAFDCCCalibrationData FlatCalibration(FLOAT slope, FLOAT offset)
-{
-    PDAFDCCCalibrationData calibration = TwoByTwoKnots();
     for (int node = 0; node < 4; ++node)
     {
         calibration.slopeData[node]  = slope;
@@ -35,7 +26,7 @@ PDAFDCCCalibrationData FlatCalibration(FLOAT slope, FLOAT offset)
 
 PDAFDCCCalibrationData RampCalibration()
 {
-    PDAFDCCCalibrationData calibration = TwoByTwoKnots();
+    PDAFDCCCalibrationData calibration = FlatCalibration(0.0F, 0.0F);
     const FLOAT offsets[4] = {0.0F, 1000.0F, 1000000.0F, 1001000.0F};
     std::memcpy(calibration.offsetData, offsets, sizeof(offsets));
     return calibration;
