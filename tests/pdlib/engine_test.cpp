@@ -283,6 +283,19 @@ TEST_F(EngineTest, UnknownFormatOrNoInitializeGivesZeroWindows)
                              sizeof(pPristine->libOutput.defocus)));
 }
 
+// Expects format 4 from the host to be refused with "unsupported PD data type" and zero windows;
+// today the library's load of the enum field aborts under UBSan (no fixed underlying type).
+TEST_F(EngineTest, DISABLED_FormatNumberBeyondTheKnownOnesIsRefused)
+{
+    m_pParams = pdtest::MakeCreateParams(EngineConfig(), nullptr);
+    const INT32 hostFormat = 4; // a host's number, written as the C boundary carries it
+    std::memcpy(&m_pParams->initParam.sensorPDStatsFormat, &hostFormat, sizeof(hostFormat));
+    ASSERT_EQ(KelResultSuccess, m_pEngine->Initialize(m_pParams.get()));
+    EXPECT_EQ(KelResultSuccess, Frame());
+    EXPECT_EQ(1U, m_log.Count("() unsupported PD data type"));
+    EXPECT_EQ(0U, m_pOutputs->libOutput.horizontalWindowCount);
+}
+
 TEST_F(EngineTest, ThresholdOfZeroOrBelowPassesEveryWindow)
 {
     for (INT32 threshold : {0, -5})
