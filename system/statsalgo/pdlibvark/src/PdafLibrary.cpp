@@ -269,14 +269,22 @@ uint64_t limit_defocus_confidence_level(double level)
     return static_cast<uint64_t>(level);
 }
 
+/// The window's centre on a grid of knots.
+GridQuery WindowOnGrid(const PdLibInputData_t* pInput, const uint16_t* pX, const uint16_t* pY, uint16_t countX,
+                       uint16_t countY)
+{
+    return {pX,
+            pY,
+            countX,
+            countY,
+            Centre(pInput->XAddressOfWindowStart, pInput->XAddressOfWindowEnd),
+            Centre(pInput->YAddressOfWindowStart, pInput->YAddressOfWindowEnd)};
+}
+
 long job_calc_defocus(PdLibInputData_t* pInput)
 {
-    GridQuery grid = {pInput->p_XAddressKnotSlopeOffset,
-                      pInput->p_YAddressKnotSlopeOffset,
-                      pInput->XKnotNumSlopeOffset,
-                      pInput->YKnotNumSlopeOffset,
-                      Centre(pInput->XAddressOfWindowStart, pInput->XAddressOfWindowEnd),
-                      Centre(pInput->YAddressOfWindowStart, pInput->YAddressOfWindowEnd)};
+    GridQuery grid = WindowOnGrid(pInput, pInput->p_XAddressKnotSlopeOffset, pInput->p_YAddressKnotSlopeOffset,
+                                  pInput->XKnotNumSlopeOffset, pInput->YKnotNumSlopeOffset);
     return InterpolateOnGrid(grid, [pInput](uint16_t node) { return calc_defocus_formula(pInput, node); });
 }
 
@@ -298,12 +306,8 @@ long calc_defocus_ok_ng_thr(const PdLibInputData_t* pInput)
     {
         return thresholdOfLine(0);
     }
-    GridQuery grid = {pInput->p_XAddressKnotDefocusOKNG,
-                      pInput->p_YAddressKnotDefocusOKNG,
-                      pInput->XKnotNumDefocusOKNG,
-                      pInput->YKnotNumDefocusOKNG,
-                      Centre(pInput->XAddressOfWindowStart, pInput->XAddressOfWindowEnd),
-                      Centre(pInput->YAddressOfWindowStart, pInput->YAddressOfWindowEnd)};
+    GridQuery grid = WindowOnGrid(pInput, pInput->p_XAddressKnotDefocusOKNG, pInput->p_YAddressKnotDefocusOKNG,
+                                  pInput->XKnotNumDefocusOKNG, pInput->YKnotNumDefocusOKNG);
     return InterpolateOnGrid(grid, thresholdOfLine);
 }
 
