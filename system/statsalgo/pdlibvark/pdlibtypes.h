@@ -24,8 +24,10 @@ static const UINT32 MaxPDAFKnotX                  = 16;
 static const UINT32 MaxPDAFKnotY                  = 12;
 
 // ---- Enumerations ----------------------------------------------------------------------------
+// Each with a fixed 32-bit type: a host may hand any number, and the library must be able to
+// hold and refuse it.
 
-enum PDLibSensorPDStatsFormat
+enum PDLibSensorPDStatsFormat : INT32
 {
     PDLibSensorPDStatsCustom                = 0,
     PDLibSensorPDStatsRaw10Conf8BitPd10Bit  = 1,
@@ -33,7 +35,7 @@ enum PDLibSensorPDStatsFormat
     PDLibSensorPDStatsRaw10Conf11BitPd10Bit = 3,
 };
 
-enum PDLibSensorOrientation
+enum PDLibSensorOrientation : INT32
 {
     PDLibOrientationDefault       = 0,
     PDLibOrientationMirror        = 1,
@@ -42,7 +44,7 @@ enum PDLibSensorOrientation
     PDLibOrientationMax           = 4,
 };
 
-enum PDLibSensorType
+enum PDLibSensorType : INT32
 {
     PDLibSensorInvalid   = 0,
     PDLibSensorType1     = 1,
@@ -53,7 +55,7 @@ enum PDLibSensorType
     PDLibSensorTypeMax   = 6,
 };
 
-enum PDLibBufferFormat
+enum PDLibBufferFormat : INT32
 {
     PDLibBufferFormatMipi8      = 0,
     PDLibBufferFormatMipi10     = 1,
@@ -62,14 +64,14 @@ enum PDLibBufferFormat
     PDLibBufferFormatMipi12     = 4,
 };
 
-enum PDLibPixelOrderType
+enum PDLibPixelOrderType : INT32
 {
     PDLibPixelOrderDefault = 0,
     PDLibPixelOrderLR      = 1,
     PDLibPixelOrderRL      = 2,
 };
 
-enum PDLibSensorBayerPattern
+enum PDLibSensorBayerPattern : INT32
 {
     PDLibBayerBGGR = 0,
     PDLibBayerGBRG = 1,
@@ -78,7 +80,7 @@ enum PDLibSensorBayerPattern
 };
 
 /// Two sets of names over the same numbers: diode pixels and shielded pixels.
-enum PDLibPixelShieldInfo
+enum PDLibPixelShieldInfo : INT32
 {
     PDLibRightDiodePixel       = 0,
     PDLibLeftDiodePixel        = 1,
@@ -94,7 +96,7 @@ enum PDLibPixelShieldInfo
     PDLibUpShieldedPixel       = 3,
 };
 
-enum PDLibReturnStatus
+enum PDLibReturnStatus : INT32
 {
     PDLibSuccess      = 0,
     PDLibMemoryError  = 1,
@@ -103,13 +105,13 @@ enum PDLibReturnStatus
     PDLibErrorMax     = 1023,
 };
 
-enum StatisticsStartUp
+enum StatisticsStartUp : INT32
 {
     StatisticsStartUpValid   = 0,
     StatisticsStartUpInvalid = 1,
 };
 
-enum StatsAlgoRole
+enum StatsAlgoRole : INT32
 {
     StatsAlgoRoleDefault = 0,
     StatsAlgoRoleMaster  = 1,
@@ -117,7 +119,7 @@ enum StatsAlgoRole
     StatsAlgoRoleMax     = 3,
 };
 
-enum PDLibCreateParamType
+enum PDLibCreateParamType : INT32
 {
     PDLibCreateParamTypeInvalid             = -1,
     PDLibCreateParamTypeCameraOpenIndicator = 0,
@@ -128,7 +130,7 @@ enum PDLibCreateParamType
     PDLibCreateParamTypeMax                 = 2147483647,
 };
 
-enum PDLibDestroyParamType
+enum PDLibDestroyParamType : INT32
 {
     PDLibDestroyParamTypeInvalid              = -1,
     PDLibDestroyParamTypeCameraCloseIndicator = 0,
@@ -137,14 +139,14 @@ enum PDLibDestroyParamType
     PDLibDestroyParamTypeMax                  = 2147483647,
 };
 
-enum PDConfigType
+enum PDConfigType : INT32
 {
     PDConfigTypeInvalid = -1,
     PDConfigTypeIFEData = 0,
     PDConfigTypeMax     = 2147483647,
 };
 
-enum PDTriggerType
+enum PDTriggerType : INT32
 {
     PDTriggerTypeInvalid = -1,
     PDTriggerEarly       = 0,
@@ -152,7 +154,7 @@ enum PDTriggerType
     PDTriggerTypeCount   = 2,
 };
 
-enum PDLibRoiType
+enum PDLibRoiType : INT32
 {
     PDLibRoiTypeCenter       = 0,
     PDLibRoiTypeFace         = 1,
@@ -169,14 +171,14 @@ enum PDLibRoiType
 };
 
 // "Inital" is the boundary's spelling.
-enum PDLibProcessingResult
+enum PDLibProcessingResult : INT32
 {
     PDLibResultInital     = 0,
     PDLibResultCenter     = 1,
     PDLibResultPeripheral = 2,
 };
 
-enum PDLibGetParamType
+enum PDLibGetParamType : INT32
 {
     PDLibGetParamInvalid  = -1,
     PDLibGetParamHWConfig = 0,
@@ -184,28 +186,28 @@ enum PDLibGetParamType
     PDLibGetParamMax      = 2147483647,
 };
 
-enum PDHwPathSelect
+enum PDHwPathSelect : INT32
 {
     PDHwPathSelectInvalid = -1,
     PDHwPathSelectHW      = 0,
     PDHwPathSelectCAMIF   = 1,
 };
 
-enum PDHwOutputSelect
+enum PDHwOutputSelect : INT32
 {
     PDHwOutputSelectInvalid         = -1,
     PDHwOutputSelectIIRprocessedROI = 0,
     PDHwOutputSelectSADstats        = 1,
 };
 
-enum PDHwHDRPixelType
+enum PDHwHDRPixelType : INT32
 {
     PDHwHDRPixelInvalid = -1,
     PDHwHDRPixelLong    = 0,
     PDHwHDRPixelShort   = 1,
 };
 
-enum PDHwHDRModeType
+enum PDHwHDRModeType : INT32
 {
     PDHwHDRModeInvalid = -1,
     PDHwHDRModeAuto    = 0,
@@ -213,7 +215,7 @@ enum PDHwHDRModeType
     PDHwHDRModeShort   = 2,
 };
 
-enum PDHwModeSelect
+enum PDHwModeSelect : INT32
 {
     PDHwModeSelectInvalid  = -1,
     PDHwModeSelectDualPD   = 0,
