@@ -6,8 +6,8 @@
 
 namespace tuningfile
 {
-/// "tonemetry_abf34" and "Tonemetry_abf34" give "abf34"; a bare prefix stays whole; a result
-/// longer than 32 characters becomes its first 8, '-', and its last 23.
+/// The store's short type of `registeredName` (ModuleData::GetType): "tonemetry_abf34" and
+/// "Tonemetry_abf34" give "abf34".
 std::string ShortTypeName(const std::string& registeredName);
 } // namespace tuningfile
 

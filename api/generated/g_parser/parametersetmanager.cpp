@@ -1,0 +1,92 @@
+// Construction and destruction of a set manager, its error text and logging identity, and the
+// release of what a file brought with it.
+#include "parametersetmanager.h"
+
+#include "orvomem.h"
+#include "orvoosutils.h"
+
+ParameterSetManager::ParameterSetManager() = default;
+
+ParameterSetManager::~ParameterSetManager()
+{
+    PARAMETER_LOG_DEBUG(this, "ParameterSetManager deleting\n");
+    FreeReplacedParameters();
+    FreeBinaryParameters();
+    while (!m_updateSetManagers.empty())
+    {
+        delete m_updateSetManagers.front();
+        m_updateSetManagers.pop_front();
+    }
+}
+
+void ParameterSetManager::SetError(char const* text, ModuleData const* data)
+{
+    char const* message = (nullptr == text) ? "" : text;
+    if (nullptr != data)
+    {
+        // The mode is expected; a module without one reports mode 0 rather than crash.
+        unsigned int mode = (nullptr == data->Mode) ? 0u : data->Mode->m_mode.mode;
+        char         formatted[MaxErrorText];
+        Orvo::OsUtils::SNPrintF(formatted, sizeof(formatted), "%s Type: %s, Major: %u, Minor: %u, Patch: %u, Mode: %u",
+                                message, (nullptr == data->Type) ? "" : data->Type,
+                                static_cast<unsigned int>(data->Version.major),
+                                static_cast<unsigned int>(data->Version.minor), data->Version.patch, mode);
+        Orvo::OsUtils::StrLCpy(m_errorText, formatted, sizeof(m_errorText));
+    }
+    else if (message != m_errorText)
+    {
+        Orvo::OsUtils::StrLCpy(m_errorText, message, sizeof(m_errorText));
+    }
+    PARAMETER_LOG_ERROR(this, "%s\n", m_errorText);
+}
+
+void ParameterSetManager::FreeBinaryParameters()
+{
+    PARAMETER_LOG_DEBUG(this, "FreeBinaryParameters called\n");
+    FreeModeTree();
+    OrvoFree(m_tag, OrvoMemFlagsNone, __FILE__, __LINE__);
+    delete m_symbolTable;
+    m_tag         = nullptr;
+    m_symbolTable = nullptr;
+}
+
+void ParameterSetManager::FreeReplacedParameters()
+{
+    PARAMETER_LOG_DEBUG(this, "FreeReplacedParameters called\n");
+    while (!m_replacedModules.empty())
+    {
+        delete m_replacedModules.front();
+        m_replacedModules.pop_front();
+    }
+    while (0 != m_replacedSymbolTables.count)
+    {
+        delete m_replacedSymbolTables[0];
+        m_replacedSymbolTables.RemoveFront();
+    }
+}
+
+char const* ParameterSetManager::GetLoggingIdentifier()
+{
+    return m_tag;
+}
+
+bool ParameterSetManager::LoggingEnabled(ParameterLogging::ParameterLogLevel level)
+{
+    switch (level)
+    {
+        case ParameterLogging::LogLevelError:
+            return m_logError;
+        case ParameterLogging::LogLevelWarning:
+            return m_logWarning;
+        case ParameterLogging::LogLevelDebug:
+            return m_logDebug;
+        default:
+            return true;
+    }
+}
+
+ModeEntry* ParameterSetManager::GetModeEntry(unsigned int id)
+{
+    ParameterMutexLock lock(&m_accessLock, true, true);
+    return ((nullptr != m_modes) && (id < m_modeCount)) ? m_modes[id] : nullptr;
+}

@@ -1,0 +1,194 @@
+// ParameterSetManager: the owner of one loaded tuning file (header, sections, mode tree, symbol
+// table and modules) and the base class of the generated set managers.
+#ifndef PARAMETERSETMANAGER_H
+#define PARAMETERSETMANAGER_H
+
+#include <cstdint>
+#include <list>
+#include <string>
+#include <unordered_map>
+
+#include "parameterctvalue.h"
+#include "parameterdataapi.h"
+#include "parameterfilesymboltable.h"
+#include "parametermodeentry.h"
+#include "parametermodetable.h"
+#include "parametermodule.h"
+#include "parameterutils.h"
+#include "pdlibvark_export.h"
+
+class ParameterRavlenWorker;
+
+/// A manager is in file mode while m_fileName is set: only header, modes and tables stay in
+/// memory and modules read their data from the file on demand. Otherwise it is in buffer mode:
+/// everything was read at load. Fields are public, as the generated set managers and the live
+/// tuning link reach them directly.
+class PDLIBVARK_API ParameterSetManager : public IModeTable, public IParameterDataAPI
+{
+public:
+    /// Section types of the section table.
+    enum SectionType : uint32_t
+    {
+        SectionSymbolTable = 0,
+        SectionData        = 1,
+        SectionModeTable   = 2,
+        SectionDataTable   = 3,
+    };
+
+    static constexpr unsigned int MaxErrorText      = 2048;
+    static constexpr unsigned int MaxFileName       = 1024;
+    /// File mode keeps the first bytes of the file as its working buffer; the section table
+    /// must end within them.
+    static constexpr unsigned int FileModeHeadBytes = 316;
+    /// `linkId` of a mode record that links nowhere.
+    static constexpr uint32_t     NoLink            = 0xFFFFFFFF;
+
+    ParameterSetManager();
+    ParameterSetManager(ParameterSetManager const&)            = delete;
+    ParameterSetManager& operator=(ParameterSetManager const&) = delete;
+
+    // Virtual operations, in slot order.
+
+    /// `m_modes[id]`; null at or above m_modeCount.
+    ModeEntry* GetModeEntry(unsigned int id) override;
+    /// Frees replaced instances, the file's data and the managers of updates.
+    ~ParameterSetManager() override;
+    bool GetValue(char const* modePath, char const* path, char const* names, char* out, unsigned int size) override;
+    bool SetValue(char const* modePath, char const* path, char const* name, char const* value) override;
+    bool GetInfo(char const* modePath, char const* path, PList<ParameterParserInfo>& list) override;
+    void GetActiveModes(char* out, unsigned int size) override;
+    /// Named mode path to numeric ("Usecase.Video|Feature1.ADRC" to "2.2|3.2"), cut at `size`.
+    void GetModeShorthand(char const* path, char* out, unsigned int size) override;
+    bool GetControlValues(char* out, unsigned int size) override;
+    bool GetTriggerValues(char* out, unsigned int size) override;
+    /// The mode of a numeric mode path; null for a path that does not parse or a miss.
+    virtual ModeEntry* GetModeEntry(char const* path);
+    /// The mode that a branch resolves to from the root: element 0 stands for the root, and each
+    /// run of elements with one mode number is one FindMode step. Null on a miss; the root for a
+    /// branch of one element, none, or null.
+    virtual ModeEntry* GetModeEntry(TuningMode const* modeBranch, unsigned int modeCount);
+    /// The children of a mode (or of mode 0 when the path finds none) by name, joined by ",".
+    /// Returns the bytes written with the terminator.
+    unsigned int GetChildModes(char const* path, unsigned char* out, unsigned int size) override;
+    /// The header's binary tag.
+    char const* GetLoggingIdentifier() override;
+    bool        LoggingEnabled(ParameterLogging::ParameterLogLevel level) override;
+    /// The registered module type `type`, or null.
+    virtual DefaultModule* GetDefaultModule(char* type) = 0;
+    virtual void           SaveAndClearModules()         = 0;
+
+    // Loading a file.
+
+    /// File mode when m_fileModeAllowed, buffer mode otherwise.
+    bool LoadBinaryParameters(char const* fileName);
+    /// Buffer mode; the buffer need not outlive the call.
+    bool LoadBinaryParameters(unsigned char* buffer, unsigned long length);
+    /// Tag, size, version, section table place and the check value of a whole-file image.
+    bool ReadHeader(unsigned char* buffer, unsigned int length, unsigned int* pos, unsigned int* sectionTableOffset,
+                    unsigned char* alignment);
+    bool ReadSectionInfo(unsigned char* buffer, unsigned int length, unsigned int* pos, unsigned char alignment);
+    /// Section table, mode tree and symbol tables. `buffer` is the image in buffer mode and the
+    /// file's first bytes in file mode (with `file` set).
+    bool ReadSections(unsigned char* buffer, unsigned int length, char const* fileName, ParameterBinaryFile* file,
+                      unsigned int fileLength, unsigned int sectionTableOffset, IModeTable* modeTable,
+                      unsigned char alignment);
+    bool ReadModeSection(unsigned char* buffer, unsigned int length, ParameterBinaryFile* file,
+                         unsigned char alignment);
+
+    /// Records `text` (with the module's type, version and mode when `data` is given) in
+    /// m_errorText and logs it at error level.
+    void SetError(char const* text, ModuleData const* data);
+    /// Deletes the mode tree and table, the tag and the symbol table.
+    void FreeBinaryParameters();
+    /// Deletes the instances and tables that reloads and updates took out of service.
+    void FreeReplacedParameters();
+
+    // Mode paths and names.
+
+    /// Appends the elements of a numeric mode path to `branch`; false for a null path, a
+    /// character other than a digit or ".", or an empty result.
+    static bool GetModeBranchFromPath(char const* path, PList<TuningMode>& branch);
+    /// Appends the numeric path of a branch to `out`.
+    static void GetPathFromModeBranch(TuningMode const* modeBranch, unsigned int modeCount, char* out,
+                                      unsigned int size);
+    /// The mode number of a name, any case; 0 for an unknown name.
+    static unsigned int GetModeIndex(char const* name);
+    /// The sub-mode number of a name or of digits; 0 for an unknown name.
+    static unsigned short GetSubModeIndex(unsigned short mode, char const* name);
+    /// Numeric paths, joined by ";", to named ones ("0.0|2.1" to "Default|Usecase.Snapshot").
+    static void GetRavlenModesString(char const* paths, char* out, unsigned int size);
+
+    char*    m_tag             = nullptr; ///< owned header tag; the logging identifier
+    bool     m_parametersValid = false;   ///< result of the last load
+    char     m_errorText[MaxErrorText] = {};
+    bool     m_logError            = true;
+    bool     m_logWarning          = true;
+    bool     m_logDebug            = true;
+    bool     m_quietMissingModules = false;
+    bool     m_tuningEnabled       = true;
+    uint32_t m_setValueCount       = 0;
+    std::unordered_map<std::string, DefaultModule*> DefaultModuleMap; ///< one entry per module type
+    ParameterFileSymbolTable*   m_symbolTable = nullptr; ///< owned
+    ParameterMutex              m_loadLock;
+    ParameterMutex              m_accessLock;
+    uint32_t                    m_maxLoadedModes  = 0; ///< 0 switches eviction off
+    bool                        m_fileModeAllowed = false;
+    char                        m_fileName[MaxFileName] = {}; ///< the bound file; empty in buffer mode
+    std::list<ParameterModule*> m_replacedModules;            ///< owned
+    std::list<ParameterSetManager*> m_updateSetManagers;      ///< owned
+    ParameterRavlenWorker**     m_tuningWorker = nullptr;     ///< owned holder; tuning managers only
+    ModeEntry*                  m_rootMode     = nullptr;     ///< owned tree
+    ModeEntry**                 m_modes        = nullptr;     ///< owned array; the entries belong to the tree
+    uint32_t                    m_modeCount    = 0;
+    PList<ModeEntry*>           m_loadedModes;  ///< recency list, most recent first
+    PList<ParameterCTValue>     m_controlValues;
+    PList<ParameterCTValue>     m_triggerValues;
+    ParameterMutex              m_valueLock;
+    PList<ParameterFileSymbolTable*> m_replacedSymbolTables; ///< owned
+
+    // Header and section table of the loaded file.
+    VersionUnion m_version;
+    uint64_t     m_flags           = 0; ///< bit 1: compressed, which is refused
+    uint32_t     m_sectionCount    = 0;
+    uint32_t     m_symbolOffset    = 0;
+    uint32_t     m_symbolSize      = 0;
+    uint32_t     m_dataOffset      = 0;
+    uint32_t     m_dataSize        = 0;
+    uint32_t     m_modeOffset      = 0;
+    uint32_t     m_modeSize        = 0;
+    uint32_t     m_dataTableOffset = 0;
+    uint32_t     m_dataTableSize   = 0;
+
+    /// Modes built from records whose parent was not read (yet) or that name no parent: the
+    /// tree does not hold them, so they are owned here and deleted with the tree.
+    PList<ModeEntry*> m_detachedModes;
+
+protected:
+    /// Elements of a branch from `start` that form one step: the element and all directly
+    /// following elements of the same mode number, compared on all 32 bits.
+    static unsigned int GetModeGroupLength(TuningMode const* modeBranch, unsigned int modeCount, unsigned int start);
+
+private:
+    /// One record of the mode section, as read.
+    struct ModeRecord
+    {
+        uint32_t  id        = 0;
+        ModeUnion mode;
+        uint32_t  parentId  = 0;
+        uint32_t  linkId    = NoLink; ///< for records without the field too
+        uint32_t  modeFlags = 0;      ///< bit 0: pinned
+    };
+
+    bool IsFileMode() const { return '\0' != m_fileName[0]; }
+    /// Deletes the mode tree, its detached modes and the mode table.
+    void FreeModeTree();
+    /// The one-node tree of a file without mode section.
+    void CreateDefaultModeTree();
+    /// Reads the fields of one mode record at `*pos`; false on a short section.
+    bool ReadModeRecord(unsigned char const* section, unsigned int length, unsigned int* pos,
+                        unsigned char alignment, ModeRecord& record) const;
+    /// Checks one record and builds its mode into the tree; false for a bad id.
+    bool AddModeRecord(ModeRecord const& record);
+};
+
+#endif // PARAMETERSETMANAGER_H
