@@ -1,0 +1,148 @@
+#include "storefiles.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include <gtest/gtest.h>
+
+#include "orvomem.h"
+
+namespace storetest
+{
+std::vector<uint8_t> Written(const tuningfile::TuningFileModel& model)
+{
+    std::vector<uint8_t> image;
+    std::string          error;
+    EXPECT_TRUE(tuningfile::Write(model, &image, &error)) << error;
+    return image;
+}
+
+uint32_t U32At(const std::vector<uint8_t>& image, size_t offset)
+{
+    uint32_t value = 0;
+    for (size_t byte = 0; byte < 4; ++byte)
+    {
+        value |= static_cast<uint32_t>(image.at(offset + byte)) << (8 * byte);
+    }
+    return value;
+}
+
+void PutU64(std::vector<uint8_t>& image, size_t offset, uint64_t value)
+{
+    for (size_t byte = 0; byte < 8; ++byte)
+    {
+        image.at(offset + byte) = static_cast<uint8_t>(value >> (8 * byte));
+    }
+}
+
+void PutU32(std::vector<uint8_t>& image, size_t offset, uint32_t value)
+{
+    for (size_t byte = 0; byte < 4; ++byte)
+    {
+        image.at(offset + byte) = static_cast<uint8_t>(value >> (8 * byte));
+    }
+}
+
+void Restamp(std::vector<uint8_t>& image)
+{
+    const size_t checked = image.size() - 4;
+    PutU32(image, checked, ParameterBinaryFile::ComputeCRC(image.data(), checked));
+}
+
+size_t SectionEntryAt(const std::vector<uint8_t>& image, uint32_t type)
+{
+    const uint32_t tableOffset = U32At(image, HeaderSize - 8);
+    const uint32_t count       = U32At(image, HeaderSize - 4);
+    for (uint32_t index = 0; index < count; ++index)
+    {
+        const size_t entry = tableOffset + index * 12u;
+        if (U32At(image, entry) == type)
+        {
+            return entry;
+        }
+    }
+    ADD_FAILURE() << "no section of type " << type;
+    return 0;
+}
+
+Section FindSection(const std::vector<uint8_t>& image, uint32_t type)
+{
+    const size_t entry = SectionEntryAt(image, type);
+    return {U32At(image, entry + 4), U32At(image, entry + 8)};
+}
+
+tuningfile::Mode MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId, uint32_t linkId, bool pinned)
+{
+    tuningfile::Mode entry;
+    entry.mode     = mode;
+    entry.subMode  = subMode;
+    entry.parentId = parentId;
+    entry.linkId   = linkId;
+    entry.pinned   = pinned;
+    return entry;
+}
+
+tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data)
+{
+    tuningfile::Module module;
+    module.name    = name;
+    module.version = tuningfile::Version{3, 4, 0};
+    module.modeId  = modeId;
+    module.data    = data;
+    return module;
+}
+
+TempFile::TempFile(const std::string& stem)
+    : m_path(testing::TempDir() + "store_" + stem + "_" + std::to_string(getpid()) + ".bin")
+{
+}
+
+TempFile::~TempFile()
+{
+    unlink(m_path.c_str());
+}
+
+void TempFile::Store(const std::vector<uint8_t>& image) const
+{
+    FILE* file = fopen(m_path.c_str(), "wb");
+    ASSERT_NE(nullptr, file);
+    ASSERT_EQ(image.size(), fwrite(image.data(), 1, image.size(), file));
+    fclose(file);
+}
+
+void TempFile::StoreUnnoticed(const std::vector<uint8_t>& image) const
+{
+    struct stat status;
+    ASSERT_EQ(0, stat(m_path.c_str(), &status));
+    Store(image);
+    struct timespec times[2] = {status.st_atim, status.st_mtim};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, m_path.c_str(), times, 0));
+}
+
+void TempFile::ShiftModifiedTime(long seconds) const
+{
+    struct stat status;
+    ASSERT_EQ(0, stat(m_path.c_str(), &status));
+    struct timespec times[2] = {status.st_atim, status.st_mtim};
+    times[1].tv_sec += seconds;
+    ASSERT_EQ(0, utimensat(AT_FDCWD, m_path.c_str(), times, 0));
+}
+
+std::string SharedText(ParameterFileSymbolTableEntry& entry, unsigned int length, unsigned char alignment)
+{
+    char* text = nullptr;
+    if (!entry.ReadString(&text, length, alignment))
+    {
+        return "<unread>";
+    }
+    std::string copy(text);
+    if (entry.m_table->ReleaseDupObject(text))
+    {
+        OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
+    }
+    return copy;
+}
+} // namespace storetest

@@ -1,0 +1,72 @@
+// Tuning files for the store's reading tests: written by the writer, patched field by field,
+// stored on disk; and the smallest concrete set manager.
+#ifndef TESTS_STORE_STOREFILES_H
+#define TESTS_STORE_STOREFILES_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "parametersetmanager.h"
+#include "tuningfile/writer.h"
+
+namespace storetest
+{
+/// A set manager without module types: every file entry finds no default module.
+class TestSetManager : public ParameterSetManager
+{
+public:
+    DefaultModule* GetDefaultModule(char*) override { return nullptr; }
+    void           SaveAndClearModules() override {}
+};
+
+/// The image of `model`; a refusal fails the calling test.
+std::vector<uint8_t> Written(const tuningfile::TuningFileModel& model);
+
+uint32_t U32At(const std::vector<uint8_t>& image, size_t offset);
+void     PutU32(std::vector<uint8_t>& image, size_t offset, uint32_t value);
+void     PutU64(std::vector<uint8_t>& image, size_t offset, uint64_t value);
+
+/// Puts the check value of the other bytes into the last four, as after an edit.
+void Restamp(std::vector<uint8_t>& image);
+
+/// Offset and size of a section of an image at version 3.0.0 or above, alignment 1.
+struct Section
+{
+    uint32_t offset = 0;
+    uint32_t size   = 0;
+};
+constexpr uint32_t HeaderSize = 168;
+Section FindSection(const std::vector<uint8_t>& image, uint32_t type);
+/// Byte offset of the section-table entry of `type`.
+size_t SectionEntryAt(const std::vector<uint8_t>& image, uint32_t type);
+
+tuningfile::Mode   MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId,
+                            uint32_t linkId = tuningfile::NoLink, bool pinned = false);
+tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data);
+
+/// A file in the test's temporary directory, removed at the end of its life.
+class TempFile
+{
+public:
+    explicit TempFile(const std::string& stem);
+    ~TempFile();
+    TempFile(const TempFile&)            = delete;
+    TempFile& operator=(const TempFile&) = delete;
+
+    void               Store(const std::vector<uint8_t>& image) const;
+    /// Replaces the contents and sets the modification time back, so the change goes unseen.
+    void               StoreUnnoticed(const std::vector<uint8_t>& image) const;
+    /// Moves the modification time by `seconds`, as a newer file on disk would.
+    void               ShiftModifiedTime(long seconds) const;
+    const std::string& Path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+/// The text of a string entry read through the dup-object service, given back at once.
+std::string SharedText(ParameterFileSymbolTableEntry& entry, unsigned int length, unsigned char alignment);
+} // namespace storetest
+
+#endif // TESTS_STORE_STOREFILES_H
