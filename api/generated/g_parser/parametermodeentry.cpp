@@ -2,10 +2,26 @@
 
 #include <cstring>
 
-#include "orvoosutils.h"
 
 namespace
 {
+// Writes `value` in decimal without a terminator; returns the characters written (at most 5).
+size_t FormatDecimal(uint16_t value, char* out)
+{
+    char   reversed[5];
+    size_t count = 0;
+    do
+    {
+        reversed[count++] = static_cast<char>('0' + value % 10);
+        value             = static_cast<uint16_t>(value / 10);
+    } while (0 != value);
+    for (size_t index = 0; index < count; ++index)
+    {
+        out[index] = reversed[count - 1 - index];
+    }
+    return count;
+}
+
 // An element equal to an earlier one finds the same child and so the same descent; trying it
 // again cannot change the answer but would make a long group of repeats exponential.
 bool RepeatsEarlierSelector(TuningMode const* branch, unsigned int index)
@@ -171,24 +187,28 @@ void ModeEntry::GetModePath(char* out, unsigned int size) const
     {
         ++depth;
     }
-    for (unsigned int level = 0; (level < depth) && (strlen(out) + 1 < size); ++level)
+    size_t length = strlen(out);
+    for (unsigned int level = 0; (level < depth) && (length + 1 < size); ++level)
     {
         ModeEntry const* node = this;
         for (unsigned int up = depth - 1 - level; up > 0; --up)
         {
             node = node->m_parent;
         }
-        if ('\0' != out[0])
+        // "|" behind a non-empty text, then "mode.subMode", as far as it fits.
+        char   element[16];
+        size_t used = 0;
+        if (0 != length)
         {
-            Orvo::OsUtils::StrLCat(out, "|", size);
+            element[used++] = '|';
         }
-        if (strlen(out) + 1 < size)
-        {
-            char element[16];
-            Orvo::OsUtils::SNPrintF(element, sizeof(element), "%u.%u", static_cast<unsigned int>(node->m_mode.mode),
-                                    static_cast<unsigned int>(node->m_mode.subMode));
-            Orvo::OsUtils::StrLCat(out, element, size);
-        }
+        used += FormatDecimal(node->m_mode.mode, element + used);
+        element[used++] = '.';
+        used += FormatDecimal(node->m_mode.subMode, element + used);
+        size_t copied = (used < size - 1 - length) ? used : size - 1 - length;
+        memcpy(out + length, element, copied);
+        length += copied;
+        out[length] = '\0';
     }
 }
 

@@ -30,7 +30,8 @@ ModeEntry* ParameterSetManager::GetModeEntry(char const* path)
 ModeEntry* ParameterSetManager::GetModeEntry(TuningMode const* modeBranch, unsigned int modeCount)
 {
     ParameterMutexLock lock(&m_accessLock, true, true);
-    ModeEntry*         current = m_rootMode;
+    // The root is read once: in file mode the branch's modes are loaded after this (LoadMode).
+    ModeEntry* current = m_rootMode;
     if ((nullptr == current) || (nullptr == modeBranch) || (modeCount <= 1))
     {
         return current;
