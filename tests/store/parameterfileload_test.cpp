@@ -95,10 +95,12 @@ void ExpectTree(ParameterSetManager& manager, const Gate& gate, bool fileMode)
         return;
     }
     ASSERT_EQ(5u, manager.m_modeCount);
+    // File mode loads a mode when a branch first asks for it.
+    EXPECT_EQ(!fileMode, manager.m_modes[1]->m_loaded);
     ModeEntry* video = manager.GetModeEntry("0.0|2.2");
     ASSERT_NE(nullptr, video);
     EXPECT_EQ(1u, video->m_id);
-    EXPECT_EQ(!fileMode, video->m_loaded);
+    EXPECT_TRUE(video->m_loaded);
     EXPECT_FALSE(video->m_pinned);
     ModeEntry* isphdr = manager.GetModeEntry("0.0|2.2|3.1");
     ASSERT_NE(nullptr, isphdr);

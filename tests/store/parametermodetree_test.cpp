@@ -184,7 +184,9 @@ TEST_F(StoreModeTree, AnEmptyModeSectionLeavesNoRoot)
     std::vector<uint8_t> image = storetest::Written(model);
     PutU32(image, storetest::SectionEntryAt(image, ParameterSetManager::SectionModeTable) + 8, 32);
     Restamp(image);
-    ASSERT_TRUE(Load(image)) << m_manager.m_errorText;
+    // The module has no mode to enter: the load fails, and what was read stays.
+    ASSERT_FALSE(Load(image));
+    EXPECT_STREQ("AddModule: m_rootMode is nullptr", m_manager.m_errorText);
     EXPECT_EQ(0u, m_manager.m_modeCount);
     EXPECT_EQ(nullptr, m_manager.m_rootMode);
     EXPECT_EQ(nullptr, m_manager.GetModeEntry("0.0"));

@@ -12,6 +12,57 @@
 
 namespace storetest
 {
+namespace
+{
+class OpaqueModule : public ParameterModule
+{
+public:
+    OpaqueModule(char const* name, ModuleData* data)
+        : ParameterModule(name, (nullptr == data) ? VersionUnion() : data->Version, data)
+    {
+    }
+
+    ParameterModule* Create(ModuleData* data, DefaultModule* defaultModule) const override
+    {
+        ParameterModule* shared = defaultModule->Find((0 != data->DuplicateID) ? data->DuplicateID : data->ID);
+        if (nullptr != shared)
+        {
+            return shared;
+        }
+        ParameterModule* module = new OpaqueModule(data->Type, data);
+        defaultModule->AddModule(module);
+        return module;
+    }
+
+    bool LoadModule(ParameterFileSymbolTable* table) override
+    {
+        if (!Loaded)
+        {
+            ParameterFileSymbolTableEntry entry;
+            Loaded = (nullptr != table) && (nullptr != Data) && table->Find(entry, Data->ID, true);
+            ++Modified;
+        }
+        return Loaded;
+    }
+
+    void UnloadModule() override { Loaded = false; }
+};
+} // namespace
+
+DefaultModule* TestSetManager::GetDefaultModule(char* type)
+{
+    {
+        ParameterMutexLock lock(&m_accessLock, true, true);
+        auto               known = DefaultModuleMap.find(type);
+        if (DefaultModuleMap.end() != known)
+        {
+            return known->second;
+        }
+    }
+    RegisterDefaultModule(new OpaqueModule(type, nullptr));
+    return FindDefaultModule(type);
+}
+
 std::vector<uint8_t> Written(const tuningfile::TuningFileModel& model)
 {
     std::vector<uint8_t> image;
@@ -85,14 +136,50 @@ tuningfile::Mode MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId, ui
     return entry;
 }
 
-tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data)
+tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data,
+                              const tuningfile::Version& version)
 {
     tuningfile::Module module;
     module.name    = name;
-    module.version = tuningfile::Version{3, 4, 0};
+    module.version = version;
     module.modeId  = modeId;
     module.data    = data;
     return module;
+}
+
+tuningfile::DataBuilder DemoData(float gain, const std::string& label, const std::vector<DemoRegion>& regions,
+                                 const std::vector<float>& gamma)
+{
+    std::vector<tuningfile::DataBuilder> elements;
+    for (const DemoRegion& region : regions)
+    {
+        elements.push_back(tuningfile::DataBuilder().F32(region.luxStart).F32(region.luxEnd).U32(region.strength));
+    }
+    return tuningfile::DataBuilder()
+        .Record(tuningfile::DataBuilder().I32(1).I32(0).I32(0))
+        .F32(gain)
+        .FixedArray(gamma)
+        .String(label)
+        .Repeated(elements);
+}
+
+tuningfile::DataBuilder ConfigData(uint32_t maxFaces, float minScale, uint32_t accuracy)
+{
+    return tuningfile::DataBuilder()
+        .Record(tuningfile::DataBuilder().I32(3).I32(4).I32(0))
+        .U32(maxFaces)
+        .F32(minScale)
+        .Enum(accuracy);
+}
+
+tuningfile::Module DemoModule(const std::string& name, uint32_t modeId, float gain)
+{
+    return MakeModule(name, modeId, DemoData(gain), {1, 0, 0});
+}
+
+tuningfile::Module ConfigModule(uint32_t modeId, uint32_t maxFaces)
+{
+    return MakeModule("testconfigdata", modeId, ConfigData(maxFaces, 0.25f, 15), {3, 4, 0});
 }
 
 TempFile::TempFile(const std::string& stem)

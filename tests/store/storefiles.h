@@ -12,12 +12,13 @@
 
 namespace storetest
 {
-/// A set manager without module types: every file entry finds no default module.
+/// A set manager that takes every module type: each file entry becomes an opaque module that
+/// finds its entry when loaded and reads nothing of it.
 class TestSetManager : public ParameterSetManager
 {
 public:
-    DefaultModule* GetDefaultModule(char*) override { return nullptr; }
-    void           SaveAndClearModules() override {}
+    DefaultModule* GetDefaultModule(char* type) override;
+    void           SaveAndClearModules() override { MoveModulesToReplaced(); }
 };
 
 /// The image of `model`; a refusal fails the calling test.
@@ -43,7 +44,23 @@ size_t SectionEntryAt(const std::vector<uint8_t>& image, uint32_t type);
 
 tuningfile::Mode   MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId,
                             uint32_t linkId = tuningfile::NoLink, bool pinned = false);
-tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data);
+tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data,
+                              const tuningfile::Version& version = {3, 4, 0});
+
+/// The members of the hand-written modules' top records (tests/store/modules), in load order.
+struct DemoRegion
+{
+    float    luxStart = 0.0f;
+    float    luxEnd   = 0.0f;
+    uint32_t strength = 0;
+};
+tuningfile::DataBuilder DemoData(float gain, const std::string& label = "demo",
+                                 const std::vector<DemoRegion>& regions = {{0.0f, 100.0f, 7}},
+                                 const std::vector<float>& gamma = {0.5f, 1.0f, 1.5f, 2.0f});
+tuningfile::DataBuilder ConfigData(uint32_t maxFaces, float minScale, uint32_t accuracy);
+/// A demo_1_0_0 module ("demo10_bps" or "demo10_ife") of `gain` and a testconfigdata module.
+tuningfile::Module DemoModule(const std::string& name, uint32_t modeId, float gain);
+tuningfile::Module ConfigModule(uint32_t modeId, uint32_t maxFaces);
 
 /// A file in the test's temporary directory, removed at the end of its life.
 class TempFile

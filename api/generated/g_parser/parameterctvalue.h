@@ -36,6 +36,16 @@ struct PDLIBVARK_API ParameterCTValue
     {
         Value.real = value;
     }
+
+    /// Parses one item "id=value": at least one character on either side of the "=", the id
+    /// from at most 9 characters. A value with a "." is a double, any other an integer; text
+    /// that is no number counts as 0. False leaves ID and Value as they were, IsValid clear.
+    bool FromString(char const* text);
+
+    /// Prints "id=value" (with `withId`) or the value alone, cut at `size`: "%u=%lld" or "%lld"
+    /// for an integer, "%u=%f" or "%f" for a double. Returns IsValid; an invalid value prints
+    /// nothing.
+    bool ToString(char* out, unsigned int size, bool withId) const;
 };
 
 #endif // PARAMETERCTVALUE_H

@@ -233,3 +233,8 @@ DupObjInfo* ParameterFileSymbolTableEntry::SetDupObject(void* object, unsigned i
     }
     return m_table->SetDupObject(nullptr != m_moduleData, m_duplicateId, object, count, file, line);
 }
+
+IParameterLoggingAPI* ParameterFileSymbolTableEntry::LoggerOf(ParameterFileSymbolTableEntry const* entry)
+{
+    return (nullptr == entry) ? nullptr : entry->m_setManager;
+}

@@ -4,11 +4,13 @@
 #define PARAMETERFILESYMBOLTABLEENTRY_H
 
 #include <cstdint>
+#include <cstring>
 
 #include "parametertypes.h"
 #include "pdlibvark_export.h"
 
 class IModeTable;
+class IParameterLoggingAPI;
 class ModuleData;
 class ParameterBinaryFile;
 class ParameterFileSymbolTable;
@@ -44,6 +46,25 @@ public:
     /// A string of `length` characters at the cursor, shared through the table's duplicate
     /// objects. The caller gives it back through ReleaseDupObject and frees it on true.
     bool ReadString(char** out, unsigned int length, unsigned char alignment);
+
+    /// The inline read of one scalar by generated records: copies `width` bytes at the cursor
+    /// when they lie within the entry, and moves the cursor by the greater of `width` and
+    /// `alignment`. False, with nothing read or moved, for a null entry, no bytes or too few.
+    static bool ReadInline(ParameterFileSymbolTableEntry* entry, void* value, unsigned int width,
+                           unsigned char alignment)
+    {
+        if ((nullptr == entry) || (nullptr == entry->m_data) ||
+            (static_cast<uint64_t>(entry->m_position) + width > entry->m_length))
+        {
+            return false;
+        }
+        memcpy(value, entry->m_data + entry->m_position, width);
+        entry->m_position += (width > alignment) ? width : alignment;
+        return true;
+    }
+
+    /// Where generated code logs about an entry: its set manager, or the null logger.
+    static IParameterLoggingAPI* LoggerOf(ParameterFileSymbolTableEntry const* entry);
 
     /// The table's dup-object service for this entry's duplicate group.
     DupObjInfo* GetDupObject(unsigned int count, char const* file, unsigned int line);

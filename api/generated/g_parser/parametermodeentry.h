@@ -3,6 +3,7 @@
 #ifndef PARAMETERMODEENTRY_H
 #define PARAMETERMODEENTRY_H
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -23,8 +24,12 @@ public:
     /// the entry of the module's owner mode (its ModuleData's mode) only.
     struct ModuleReference
     {
+        ModuleReference() = default;
+        ModuleReference(ParameterModule* referenced, uint32_t references) : module(referenced), count(references) {}
+
         ParameterModule* module = nullptr;
-        uint32_t         count  = 0;
+        /// Atomic: look-ups add references under the shared side of the locks, from any thread.
+        std::atomic<uint32_t> count{0};
     };
 
     ModeEntry(bool loaded, bool pinned);
@@ -68,6 +73,11 @@ public:
 
     /// Enters `module` under its name unless the name is already there; false for null.
     bool AddModule(ParameterModule* module);
+    /// The module under `name` in the table of the mode at the end of the link chain, or null.
+    ParameterModule* FindModule(std::string const* name);
+    /// Sets the entry under the module's name to the module with no references, inserting it
+    /// if the name is new. Returns the module that the entry held, or null.
+    ParameterModule* ReplaceModule(ParameterModule* module);
     void AddReference(ParameterModule const* module);
     void ReleaseReference(ParameterModule const* module);
     /// Sum of the counts of this mode's own modules, from the entry of `module` (or the first

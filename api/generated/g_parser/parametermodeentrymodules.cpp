@@ -23,8 +23,37 @@ bool ModeEntry::AddModule(ParameterModule* module)
         return false;
     }
     // The first module of a name in a mode stays.
-    m_modules.emplace(NameOf(module), ModuleReference{module, 0});
+    m_modules.try_emplace(NameOf(module), module, 0u);
     return true;
+}
+
+ParameterModule* ModeEntry::FindModule(std::string const* name)
+{
+    ModeEntry* target = ResolveLink();
+    if ((nullptr == target) || (nullptr == name))
+    {
+        return nullptr;
+    }
+    auto entry = target->m_modules.find(*name);
+    return (target->m_modules.end() == entry) ? nullptr : entry->second.module;
+}
+
+ParameterModule* ModeEntry::ReplaceModule(ParameterModule* module)
+{
+    if (nullptr == module)
+    {
+        return nullptr;
+    }
+    auto entry = m_modules.find(NameOf(module));
+    if (m_modules.end() == entry)
+    {
+        m_modules.try_emplace(NameOf(module), module, 0u);
+        return nullptr;
+    }
+    ParameterModule* replaced = entry->second.module;
+    entry->second.module      = module;
+    entry->second.count       = 0;
+    return replaced;
 }
 
 void ModeEntry::AddReference(ParameterModule const* module)
@@ -57,13 +86,16 @@ void ModeEntry::ReleaseReference(ParameterModule const* module)
                             m_mode.mode, m_mode.subMode, NameOf(module));
         return;
     }
-    if (0 == entry->second.count)
+    uint32_t count = entry->second.count.load();
+    do
     {
-        PARAMETER_LOG_ERROR(nullptr, "Attempt to release unreferenced module.  Mode: %d, SubMode: %d, Module %s\n",
-                            m_mode.mode, m_mode.subMode, NameOf(module));
-        return;
-    }
-    --entry->second.count;
+        if (0 == count)
+        {
+            PARAMETER_LOG_ERROR(nullptr, "Attempt to release unreferenced module.  Mode: %d, SubMode: %d, Module %s\n",
+                                m_mode.mode, m_mode.subMode, NameOf(module));
+            return;
+        }
+    } while (!entry->second.count.compare_exchange_weak(count, count - 1));
 }
 
 uint32_t ModeEntry::GetReferenceCount(ParameterModule const* module) const
@@ -87,7 +119,7 @@ void ModeEntry::ReleaseReferences()
         if (Owns(entry.second.module) && (0 != entry.second.count))
         {
             PARAMETER_LOG_ERROR(nullptr, "ReleaseReferences called with unreleased module: %s, RefCnt: %d\n",
-                                entry.first.c_str(), entry.second.count);
+                                entry.first.c_str(), entry.second.count.load());
             entry.second.count = 0;
         }
     }

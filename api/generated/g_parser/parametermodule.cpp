@@ -1,6 +1,7 @@
 #include "parametermodule.h"
 
 #include <cstring>
+#include <new>
 
 #include "orvomem.h"
 #include "orvoosutils.h"
@@ -135,6 +136,21 @@ ParameterModule::~ParameterModule()
     FreeText(Type);
 }
 
+void* ParameterModule::operator new(size_t size)
+{
+    void* memory = OrvoCalloc(size, 8, OrvoMemFlagsAllocZeroMemory | OrvoMemFlagsNew, OrvoMemTypeAny, nullptr, 0);
+    if (nullptr == memory)
+    {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void ParameterModule::operator delete(void* pointer)
+{
+    OrvoFree(pointer, OrvoMemFlagsArray | OrvoMemFlagsDelete, nullptr, 0);
+}
+
 bool ParameterModule::GetValue(char const*, char*, unsigned int)
 {
     return false;
@@ -157,4 +173,18 @@ unsigned int ParameterModule::GetReferenceCount() const
         return 0;
     }
     return Data->Mode->GetReferenceCount(this);
+}
+
+void ParameterModule::Release()
+{
+    if ((nullptr == Data) || (nullptr == Data->SetManager))
+    {
+        PARAMETER_LOG_ERROR(nullptr, "Attempt to release module reference when Data or SetManager is nullptr. Module %s\n",
+                            (nullptr == Name) ? "" : Name);
+        return;
+    }
+    if (Data->SetManager->IsFileMode())
+    {
+        Data->SetManager->ReleaseModule(this);
+    }
 }

@@ -3,6 +3,8 @@
 #ifndef PARAMETERMODULE_H
 #define PARAMETERMODULE_H
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "parametertypes.h"
@@ -64,6 +66,10 @@ public:
                     ModuleData* data);
     /// Frees `Name` and `Type`, nothing else.
     virtual ~ParameterModule();
+    /// Instances live in the platform's tagged allocation, so that generated code may make them
+    /// with OrvoCalloc and anyone may destroy them through the virtual deleting destructor.
+    static void* operator new(size_t size);
+    static void  operator delete(void* pointer);
     ParameterModule(ParameterModule const&)            = delete;
     ParameterModule& operator=(ParameterModule const&) = delete;
 
@@ -79,13 +85,17 @@ public:
     /// The references counted on this module's owner mode; 0 without one.
     unsigned int GetReferenceCount() const;
 
+    /// Gives back a reference that GetModule took; nothing in buffer mode.
+    void Release();
+
     char*        Name = nullptr; ///< owned copy; the key of a mode's module table
     char*        Type = nullptr; ///< owned short form of Name; the key of DefaultModuleMap
     VersionUnion Version;        ///< the version this class was generated for
     ModeUnion    Mode;
     ModuleData*  Data     = nullptr; ///< not owned; null for a default instance
     bool         Loaded   = false;
-    uint32_t     Modified = 0; ///< change counter that records poll
+    /// Change counter that records poll; atomic, as text access raises it under a shared lock.
+    std::atomic<uint32_t> Modified{0};
 };
 
 #endif // PARAMETERMODULE_H

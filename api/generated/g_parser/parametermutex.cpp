@@ -67,6 +67,38 @@ void ParameterMutex::Unlock(bool shared)
     }
 }
 
+uint32_t ParameterMutex::SuspendShared()
+{
+    const std::thread::id self  = std::this_thread::get_id();
+    uint32_t              depth = 0;
+    {
+        std::lock_guard<std::mutex> guard(m_mutex);
+        auto                        reader = m_readers.find(self);
+        if (m_readers.end() != reader)
+        {
+            depth = reader->second;
+            m_readers.erase(reader);
+        }
+    }
+    if (0 != depth)
+    {
+        m_condition.notify_all();
+    }
+    return depth;
+}
+
+void ParameterMutex::ResumeShared(uint32_t depth)
+{
+    if (0 == depth)
+    {
+        return;
+    }
+    const std::thread::id        self = std::this_thread::get_id();
+    std::unique_lock<std::mutex> guard(m_mutex);
+    m_condition.wait(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
+    m_readers[self] += depth;
+}
+
 ParameterMutexLock::ParameterMutexLock(ParameterMutex* lock, bool sharedSide, bool condition)
     : mutex(lock), shared(sharedSide), locked(condition && (nullptr != lock))
 {

@@ -29,6 +29,13 @@ public:
     /// so a thread unlocks each side as often as it locked it, in any order.
     void Unlock(bool shared);
 
+    /// Gives up every read lock that the calling thread holds and returns their depth, so that
+    /// a thread that must wait for the write side does not hold off another that waits too.
+    uint32_t SuspendShared();
+
+    /// Takes back the read locks that SuspendShared gave up, once no other thread writes.
+    void ResumeShared(uint32_t depth);
+
 private:
     bool WriteAllowed(std::thread::id self) const;
 

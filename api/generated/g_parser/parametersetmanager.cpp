@@ -9,8 +9,12 @@ ParameterSetManager::ParameterSetManager() = default;
 
 ParameterSetManager::~ParameterSetManager()
 {
+    // A generated destructor has deleted the registered types already; a manager that did not
+    // must not leave them (and the instances that point into its tables) behind.
+    DeleteDefaultModules();
     PARAMETER_LOG_DEBUG(this, "ParameterSetManager deleting\n");
-    FreeReplacedParameters();
+    PARAMETER_LOG_DEBUG(this, "FreeReplacedParameters called\n");
+    FreeReplaced(false);
     FreeBinaryParameters();
     while (!m_updateSetManagers.empty())
     {
@@ -19,9 +23,16 @@ ParameterSetManager::~ParameterSetManager()
     }
 }
 
+void ParameterSetManager::SetFileName(char const* fileName)
+{
+    Orvo::OsUtils::StrLCpy(m_fileName, (nullptr == fileName) ? "" : fileName, sizeof(m_fileName));
+    m_fileMode = '\0' != m_fileName[0];
+}
+
 void ParameterSetManager::SetError(char const* text, ModuleData const* data)
 {
-    char const* message = (nullptr == text) ? "" : text;
+    std::lock_guard<std::mutex> guard(m_errorLock);
+    char const*                 message = (nullptr == text) ? "" : text;
     if (nullptr != data)
     {
         // The mode is expected; a module without one reports mode 0 rather than crash.
@@ -43,26 +54,25 @@ void ParameterSetManager::SetError(char const* text, ModuleData const* data)
 void ParameterSetManager::FreeBinaryParameters()
 {
     PARAMETER_LOG_DEBUG(this, "FreeBinaryParameters called\n");
+    // Safe variant: instances still in service would keep ModuleData of the table freed below;
+    // they came with this file and go with it (a reload has moved them out of service before).
+    std::list<ParameterModule*> inService;
+    for (auto& type : DefaultModuleMap)
+    {
+        if (nullptr != type.second)
+        {
+            type.second->MoveModules(inService);
+        }
+    }
+    for (ParameterModule* module : inService)
+    {
+        delete module;
+    }
     FreeModeTree();
     OrvoFree(m_tag, OrvoMemFlagsNone, __FILE__, __LINE__);
     delete m_symbolTable;
     m_tag         = nullptr;
     m_symbolTable = nullptr;
-}
-
-void ParameterSetManager::FreeReplacedParameters()
-{
-    PARAMETER_LOG_DEBUG(this, "FreeReplacedParameters called\n");
-    while (!m_replacedModules.empty())
-    {
-        delete m_replacedModules.front();
-        m_replacedModules.pop_front();
-    }
-    while (0 != m_replacedSymbolTables.count)
-    {
-        delete m_replacedSymbolTables[0];
-        m_replacedSymbolTables.RemoveFront();
-    }
 }
 
 char const* ParameterSetManager::GetLoggingIdentifier()

@@ -3,17 +3,21 @@
 #ifndef PARAMETERSETMANAGER_H
 #define PARAMETERSETMANAGER_H
 
+#include <atomic>
 #include <cstdint>
 #include <list>
+#include <mutex>
 #include <string>
 #include <unordered_map>
 
 #include "parameterctvalue.h"
 #include "parameterdataapi.h"
+#include "parameterdefaultmodule.h"
 #include "parameterfilesymboltable.h"
 #include "parametermodeentry.h"
 #include "parametermodetable.h"
 #include "parametermodule.h"
+#include "parameterparserinfo.h"
 #include "parameterutils.h"
 #include "pdlibvark_export.h"
 
@@ -98,10 +102,77 @@ public:
     /// Records `text` (with the module's type, version and mode when `data` is given) in
     /// m_errorText and logs it at error level.
     void SetError(char const* text, ModuleData const* data);
-    /// Deletes the mode tree and table, the tag and the symbol table.
+    /// Deletes the mode tree and table, the tag and the symbol table, and the instances in
+    /// service, whose ModuleData the table owns.
     void FreeBinaryParameters();
-    /// Deletes the instances and tables that reloads and updates took out of service.
+    /// Deletes the instances, tables and mode trees that reloads and updates took out of
+    /// service. Instances that a mode of the present tree still holds stay.
     void FreeReplacedParameters();
+
+    // Modules and their life cycle.
+
+    /// The instance of a file entry, made by the default instance of its type; loaded at once
+    /// with `load`. Null when the type is unknown or refuses the entry.
+    ParameterModule* CreateModule(ParameterFileSymbolTableEntry const* entry, ModuleData* data, bool load);
+    /// Enters a created instance into the table of its mode.
+    bool AddModule(ModuleData const* data, ParameterModule* module);
+    /// Makes sure that every mode of the branch is loaded (file mode only); `moduleName` is for
+    /// logs. A failed module load is taken for a changed file: the file is reloaded and the
+    /// walk repeated, at most twice.
+    bool LoadMode(TuningMode const* modeBranch, unsigned int modeCount, char const* moduleName);
+    /// Unloads the deepest mode of the branch (file mode only); pinned modes stay.
+    bool UnloadMode(TuningMode const* modeBranch, unsigned int modeCount);
+    /// Loads or unloads one mode, keeps the recency list and trims it. `fileReferences` counts
+    /// the file references taken, which the caller gives back.
+    bool LoadModules(ModeEntry* mode, bool load, char const* moduleName, TuningMode const* modeBranch,
+                     unsigned int modeCount, int& fileReferences);
+    /// One load walk from the root along the branch; `reload` tells that a module failed.
+    bool LoadModeInternal(TuningMode const* modeBranch, unsigned int modeCount, bool& reload,
+                          char const* moduleName);
+    /// The set manager's half of ParameterModule::Release.
+    void ReleaseModule(ParameterModule const* module);
+
+    // Look-up and replacement.
+
+    /// The loaded instance that the deepest mode of the branch holding `name` has. In file mode
+    /// it carries one new reference, to be given back by Release or as the next `previous`.
+    /// `previous` is given back in any case.
+    ParameterModule* GetModule(char const* name, TuningMode const* modeBranch, unsigned int modeCount,
+                               ParameterModule* previous);
+    /// Rereads the bound file; `bufferMode` reads it whole and ends file mode for good. What
+    /// was in service stays readable until the next reload.
+    bool ReloadBinaryParameters(bool bufferMode);
+    /// Moves every module of `other` into this tree.
+    bool UpdateParameters(ParameterSetManager* other);
+    /// The move from `source` and its following siblings into `target`, then down the children.
+    bool UpdateParameters(ModeEntry* target, ModeEntry* source, ParameterSetManager* other);
+
+    // Control and trigger values: two independent lists of numbered values, sorted by id.
+
+    void GetControlValues(PList<ParameterCTValue>& out);
+    bool GetControlValue(unsigned int id, ParameterCTValue& out);
+    void SetControlValue(ParameterCTValue const& value);
+    void SetControlValues(ParameterCTValue const* values, unsigned int count);
+    void SetControlValues(PList<ParameterCTValue> const& values);
+    void SetControlValues(char const* text);
+    void GetTriggerValues(PList<ParameterCTValue>& out);
+    bool GetTriggerValue(unsigned int id, ParameterCTValue& out);
+    void SetTriggerValue(ParameterCTValue const& value);
+    void SetTriggerValues(ParameterCTValue const* values, unsigned int count);
+    void SetTriggerValues(PList<ParameterCTValue> const& values);
+    void SetTriggerValues(char const* text);
+
+    // Text access with a ready branch.
+
+    bool GetValue(TuningMode const* modeBranch, unsigned int modeCount, char const* path, char const* names, char* out,
+                  unsigned int size);
+    bool SetValue(TuningMode const* modeBranch, unsigned int modeCount, char const* path, char const* name,
+                  char const* value);
+    bool GetInfo(TuningMode const* modeBranch, unsigned int modeCount, char const* path,
+                 PList<ParameterParserInfo>& list);
+
+    /// File mode: only tables stay in memory and modules load by mode.
+    bool IsFileMode() const { return m_fileMode.load(); }
 
     // Mode paths and names.
 
@@ -126,7 +197,7 @@ public:
     bool     m_logDebug            = true;
     bool     m_quietMissingModules = false;
     bool     m_tuningEnabled       = true;
-    uint32_t m_setValueCount       = 0;
+    std::atomic<uint32_t> m_setValueCount{0}; ///< atomic: SetValue runs under a shared lock
     std::unordered_map<std::string, DefaultModule*> DefaultModuleMap; ///< one entry per module type
     ParameterFileSymbolTable*   m_symbolTable = nullptr; ///< owned
     ParameterMutex              m_loadLock;
@@ -168,7 +239,76 @@ protected:
     /// following elements of the same mode number, compared on all 32 bits.
     static unsigned int GetModeGroupLength(TuningMode const* modeBranch, unsigned int modeCount, unsigned int start);
 
+    // The duties of a generated set manager, so that each of its operations is one call.
+
+    /// The settings of every generated manager: eviction bound 17, file mode allowed, error and
+    /// warning logs on, debug logs off, missing modules reported.
+    void UseGeneratedSettings();
+    /// Registers a default instance under its type (generated AddModule). A second registration
+    /// of a type replaces the first.
+    void RegisterDefaultModule(ParameterModule* module);
+    /// The registered type `type` under the shared access lock, or null with a log line
+    /// (generated GetDefaultModule). A null `type` raises std::logic_error, as a string would.
+    DefaultModule* FindDefaultModule(char* type);
+    /// Moves every instance in service to m_replacedModules (generated SaveAndClearModules).
+    void MoveModulesToReplaced();
+    /// Destroys every registered type with its instances (generated destructor).
+    void DeleteDefaultModules();
+    /// Swaps in the parameters of `buffer` through a new manager from `create`, which this
+    /// manager then owns (generated UpdateBinaryParameters). True unless the earlier load was
+    /// invalid or the reload into buffer mode failed.
+    bool UpdateFromBuffer(unsigned char* buffer, unsigned long size, ParameterSetManager* (*create)());
+
 private:
+    /// A mode tree that a reload took out of service: the replaced modules' ModuleData still
+    /// point into it, so it lives as long as they do.
+    struct ModeTree
+    {
+        ModeEntry*        root      = nullptr;
+        ModeEntry**       modes     = nullptr;
+        uint32_t          modeCount = 0;
+        PList<ModeEntry*> detached;
+    };
+
+    /// File mode follows m_fileName; every change of the name goes through here.
+    void SetFileName(char const* fileName);
+    /// Takes the present tree out of the manager.
+    ModeTree DetachModeTree();
+    /// Deletes a tree after taking its modes out of m_loadedModes.
+    void DeleteModeTree(ModeTree& tree);
+    /// ReadSections' last step: an instance for every module entry, entered in its mode.
+    bool CreateModules(bool fileMode);
+    /// The reload of LoadMode after a failed walk; passed over when another thread reloaded
+    /// since the walk began (`generation`).
+    void ReloadAfterFailedWalk(uint32_t generation);
+    /// The mode reached from `start` by the groups of `modeBranch` from element 1, or null.
+    ModeEntry* WalkBranch(ModeEntry* start, TuningMode const* modeBranch, unsigned int modeCount);
+    /// LoadModules' load walk over the table of `target`.
+    bool LoadModeModules(ModeEntry* target, bool trimming, PList<ModeEntry*>& touched);
+    /// LoadModules' unload of `target`'s own modules and counts.
+    void UnloadModeModules(ModeEntry* target);
+    /// Moves the touched modes to the front of m_loadedModes.
+    void MarkRecentlyUsed(PList<ModeEntry*> const& touched);
+    /// Unloads idle modes beyond the bound of m_loadedModes.
+    void TrimLoadedModes(bool trimming, char const* moduleName, TuningMode const* modeBranch, unsigned int modeCount,
+                         int& fileReferences);
+    void RemoveLoadedMode(ModeEntry const* mode);
+    /// GetModule's walk of the branch below the root; returns the deepest loaded holder.
+    ParameterModule* FindDeepestModule(std::string const& name, ParameterModule* candidate,
+                                       TuningMode const* modeBranch, unsigned int modeCount);
+    /// Loads `module` under the load lock unless it is loaded; whether it is loaded after.
+    bool EnsureLoaded(ParameterModule* module);
+    /// One module of `other` that UpdateParameters moves into `target`.
+    void MoveModuleInto(ModeEntry* target, ParameterModule* module, ParameterSetManager* other);
+    /// The registered type of `module` in this manager, or null, without logging.
+    DefaultModule* RegisteredTypeOf(ParameterModule const* module);
+    /// Takes `module` in service here, unless it already is.
+    void AdoptModule(ParameterModule* module);
+    /// Frees what FreeReplacedParameters frees; `keepHeld` keeps instances of the present tree.
+    void FreeReplaced(bool keepHeld);
+    /// The pinning step of SetValue.
+    void PinMode(ParameterModule const* module);
+
     /// One record of the mode section, as read.
     struct ModeRecord
     {
@@ -179,7 +319,6 @@ private:
         uint32_t  modeFlags = 0;      ///< bit 0: pinned
     };
 
-    bool IsFileMode() const { return '\0' != m_fileName[0]; }
     /// Deletes the mode tree, its detached modes and the mode table.
     void FreeModeTree();
     /// The one-node tree of a file without mode section.
@@ -189,6 +328,11 @@ private:
                         unsigned char alignment, ModeRecord& record) const;
     /// Checks one record and builds its mode into the tree; false for a bad id.
     bool AddModeRecord(ModeRecord const& record);
+
+    std::atomic<bool>   m_fileMode{false};   ///< m_fileName is set
+    uint32_t            m_reloadGeneration = 0; ///< reloads so far; written under the access lock
+    std::list<ModeTree> m_replacedTrees;     ///< owned; freed with the replaced symbol tables
+    std::mutex          m_errorLock;         ///< SetError may be called from several threads
 };
 
 #endif // PARAMETERSETMANAGER_H

@@ -49,7 +49,7 @@ bool ParameterSetManager::LoadBinaryParameters(unsigned char* buffer, unsigned l
                             0xFFFFFFFFul);
         return false;
     }
-    m_fileName[0] = '\0'; // a load from a buffer is buffer mode, whatever was loaded before
+    SetFileName(nullptr); // a load from a buffer is buffer mode, whatever was loaded before
 
     unsigned int  size               = static_cast<unsigned int>(length);
     unsigned int  pos                = 0;
@@ -110,7 +110,7 @@ bool ParameterSetManager::LoadBinaryParameters(char const* fileName)
     }
     else
     {
-        Orvo::OsUtils::StrLCpy(m_fileName, fileName, sizeof(m_fileName));
+        SetFileName(fileName);
         unsigned int  pos                = 0;
         unsigned int  sectionTableOffset = 0;
         unsigned char alignment          = 1;
@@ -373,21 +373,7 @@ bool ParameterSetManager::ReadSections(unsigned char* buffer, unsigned int lengt
         return false;
     }
 
-    bool                result  = true;
-    PList<ModuleData*>& modules = m_symbolTable->m_modules;
-    for (uint32_t index = 0; index < modules.count; ++index)
-    {
-        ModuleData*                   data = modules[index];
-        ParameterFileSymbolTableEntry entry;
-        if (!m_symbolTable->Find(entry, data->ID, true))
-        {
-            m_parametersValid = false;
-            result            = false;
-            continue;
-        }
-        // Module creation goes here: CreateModule(&entry, data, load), with `load` true in buffer
-        // mode and the pinned flag of data->Mode in file mode, then AddModule(data, module).
-    }
+    bool result = CreateModules(fileMode);
 
     // Modules have copied what they need of the image.
     if (!fileMode)

@@ -30,20 +30,21 @@ ModeEntry* ParameterSetManager::GetModeEntry(char const* path)
 ModeEntry* ParameterSetManager::GetModeEntry(TuningMode const* modeBranch, unsigned int modeCount)
 {
     ParameterMutexLock lock(&m_accessLock, true, true);
-    // The root is read once: in file mode the branch's modes are loaded after this (LoadMode).
+    if (nullptr == m_rootMode)
+    {
+        return nullptr;
+    }
+    if (IsFileMode())
+    {
+        LoadMode(modeBranch, modeCount, "Ravlen->GetModeEntry");
+    }
+    // Safe variant: the root is read after the load, as a reload inside it replaces the tree.
     ModeEntry* current = m_rootMode;
     if ((nullptr == current) || (nullptr == modeBranch) || (modeCount <= 1))
     {
         return current;
     }
-    // Element 0 stands for the root and is not looked at.
-    for (unsigned int index = 1; (nullptr != current) && (index < modeCount);)
-    {
-        unsigned int group = GetModeGroupLength(modeBranch, modeCount, index);
-        current            = current->FindMode(&modeBranch[index], group, 0);
-        index += group;
-    }
-    return current;
+    return WalkBranch(current, modeBranch, modeCount);
 }
 
 unsigned int ParameterSetManager::GetChildModes(char const* path, unsigned char* out, unsigned int size)

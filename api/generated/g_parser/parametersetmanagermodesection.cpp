@@ -1,5 +1,6 @@
 // Reading the mode section of a tuning file into the mode tree and the mode table.
 #include <new>
+#include <utility>
 
 #include "orvomem.h"
 #include "parametersetmanager.h"
@@ -18,16 +19,47 @@ VersionUnion const ModeFlagsVersion(5, 0, 0);
 
 void ParameterSetManager::FreeModeTree()
 {
-    delete m_rootMode;
-    for (uint32_t index = 0; index < m_detachedModes.count; ++index)
+    ModeTree tree = DetachModeTree();
+    DeleteModeTree(tree);
+}
+
+ParameterSetManager::ModeTree ParameterSetManager::DetachModeTree()
+{
+    ModeTree tree;
+    tree.root      = m_rootMode;
+    tree.modes     = m_modes;
+    tree.modeCount = m_modeCount;
+    tree.detached  = std::move(m_detachedModes);
+    m_rootMode     = nullptr;
+    m_modes        = nullptr;
+    m_modeCount    = 0;
+    return tree;
+}
+
+void ParameterSetManager::DeleteModeTree(ModeTree& tree)
+{
+    if ((nullptr == tree.root) && (nullptr == tree.modes) && (0 == tree.detached.count))
     {
-        delete m_detachedModes[index];
+        return;
     }
-    m_detachedModes.Clear();
-    delete[] m_modes;
-    m_rootMode  = nullptr;
-    m_modes     = nullptr;
-    m_modeCount = 0;
+    {
+        // Safe variant: the recency list must not keep modes of a tree that is deleted.
+        ParameterMutexLock lock(&m_loadLock, false, true);
+        for (uint32_t index = 0; (nullptr != tree.modes) && (index < tree.modeCount); ++index)
+        {
+            RemoveLoadedMode(tree.modes[index]);
+        }
+    }
+    delete tree.root;
+    for (uint32_t index = 0; index < tree.detached.count; ++index)
+    {
+        delete tree.detached[index];
+    }
+    tree.detached.Clear();
+    delete[] tree.modes;
+    tree.root      = nullptr;
+    tree.modes     = nullptr;
+    tree.modeCount = 0;
 }
 
 void ParameterSetManager::CreateDefaultModeTree()

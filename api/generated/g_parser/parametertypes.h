@@ -139,14 +139,17 @@ struct PDLIBVARK_API PList
     }
 
     /// Drops the front element, moving the rest down.
-    void RemoveFront()
+    void RemoveFront() { RemoveAt(0); }
+
+    /// Drops the element at `index`, moving later elements down; a bad index changes nothing.
+    void RemoveAt(unsigned int index)
     {
-        if (0 == count)
+        if (index >= count)
         {
             return;
         }
         --count;
-        memmove(static_cast<void*>(items), items + 1, sizeof(T) * count);
+        memmove(static_cast<void*>(items + index), items + index + 1, sizeof(T) * (count - index));
     }
 
     /// Frees the block; growBy survives.

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 #include "parameterlogging.h"
 #include "parametermutex.h"
@@ -103,6 +104,29 @@ public:
     /// and `index` (left alone without a usable bracket); returns the characters used up,
     /// including a following ".".
     static uint32_t GetVariable(char const* path, char* name, unsigned int& index, unsigned long nameSize);
+
+    /// A number for a member of type T, truncated toward zero and clamped to T's range (NaN
+    /// gives 0): generated SetValue stores through it, as a plain conversion of a value beyond
+    /// the range is undefined.
+    template <typename T>
+    static T NumberAs(double value)
+    {
+        if (value != value)
+        {
+            return T(0);
+        }
+        double lowest  = static_cast<double>(std::numeric_limits<T>::lowest());
+        double highest = static_cast<double>(std::numeric_limits<T>::max());
+        if (value <= lowest)
+        {
+            return std::numeric_limits<T>::lowest();
+        }
+        if (value >= highest)
+        {
+            return std::numeric_limits<T>::max();
+        }
+        return static_cast<T>(value);
+    }
 
     /// The store's number printer, with at most `decimals` digits behind the point. `complete`
     /// says whether the whole value was printed. With `decimals` 0 no point is written, so
