@@ -7,19 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "opaquesetmanager.h"
 #include "parametersetmanager.h"
 #include "tuningfile/writer.h"
 
 namespace storetest
 {
-/// A set manager that takes every module type: each file entry becomes an opaque module that
-/// finds its entry when loaded and reads nothing of it.
-class TestSetManager : public ParameterSetManager
-{
-public:
-    DefaultModule* GetDefaultModule(char* type) override;
-    void           SaveAndClearModules() override { MoveModulesToReplaced(); }
-};
+/// A set manager that takes every module type: each file entry becomes an opaque module.
+using TestSetManager = OpaqueSetManager;
 
 /// The image of `model`; a refusal fails the calling test.
 std::vector<uint8_t> Written(const tuningfile::TuningFileModel& model);
