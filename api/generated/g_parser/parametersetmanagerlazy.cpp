@@ -73,6 +73,10 @@ bool ParameterSetManager::LoadModules(ModeEntry* mode, bool load, char const* mo
         return true;
     }
 
+    // Safe order: the access lock before the load lock, also for a caller that holds neither,
+    // as the walk's file reads take the access lock and a reload holds it while it waits for the
+    // load lock.
+    ParameterMutexLock access(&m_accessLock, true, fileMode);
     ParameterMutexLock lock(&m_loadLock, false, fileMode);
     if (load && fileMode && !target->m_loaded && (nullptr != m_symbolTable))
     {
