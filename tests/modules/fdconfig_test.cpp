@@ -3,6 +3,7 @@
 // of Create, and a module whose data ends too early.
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "g_facedetection/fdsetmanager.h"
@@ -414,5 +415,34 @@ TEST(FdConfigLoad, AModuleWhoseDataEndsEarlyFailsWithALinePerScalarLeft)
     EXPECT_FALSE(instance->Loaded);
     EXPECT_EQ(1u, instance->Modified.load());
     EXPECT_EQ(nullptr, manager.GetModule_fdconfigdata(nullptr, 0, nullptr)) << "no loaded module to hand out";
+}
+TEST(FdConfigSetManager, TypesAreFoundByTheirStringAndANullTypeThrows)
+{
+    LogCapture   log;
+    fdSetManager manager;
+    char         unknown[] = "nothing";
+    EXPECT_EQ(nullptr, manager.GetDefaultModule(unknown));
+    EXPECT_EQ(1u, log.Count("Failed to find module nothing in DefaultModuleMap"));
+    EXPECT_THROW(manager.GetDefaultModule(nullptr), std::logic_error);
+    char known[] = "fdconfigdata";
+    EXPECT_NE(nullptr, manager.GetDefaultModule(known)) << "the throw left the lock free";
+}
+
+TEST(FdConfigSetManager, AnUpdateFromMemorySwapsInTheNewRecordAndTheHeldOneStaysReadable)
+{
+    fdSetManager         manager;
+    std::vector<uint8_t> first = FdImage(moduletest::AlignmentOne, FdData());
+    ASSERT_TRUE(manager.LoadBinaryParameters(first.data(), first.size()));
+    FaceDetectionCtrlType* held = manager.GetModule_fdconfigdata(nullptr, 0, nullptr);
+    ASSERT_NE(nullptr, held);
+
+    std::vector<uint8_t> second =
+        FdImage(moduletest::AlignmentOne, WithCell(FdData(), AccuracyCell, FDFaceAccuracyNormal));
+    EXPECT_TRUE(manager.UpdateBinaryParameters(second.data(), second.size())) << manager.m_errorText;
+    FaceDetectionCtrlType* updated = manager.GetModule_fdconfigdata(nullptr, 0, nullptr);
+    ASSERT_NE(nullptr, updated);
+    EXPECT_NE(held, updated);
+    EXPECT_EQ(FDFaceAccuracyNormal, updated->accuracy);
+    EXPECT_EQ(FDFaceAccuracyHigh, held->accuracy);
 }
 } // namespace

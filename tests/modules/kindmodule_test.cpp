@@ -336,6 +336,17 @@ TEST_F(KindText, SetValueChangesTheRecordAndCountsTheChange)
     EXPECT_FALSE(m_module->SetValue("label", "text")) << "texts are not set";
 }
 
+TEST_F(KindText, ALoadAfterTheBufferIsGoneFindsNoEntry)
+{
+    LogCapture log;
+    m_module->UnloadModule();
+    EXPECT_EQ(nullptr, m_record->regions) << "unloaded";
+    EXPECT_FALSE(m_module->LoadModule(m_manager.m_symbolTable));
+    EXPECT_EQ(1u, log.Count("tonemetry_kind10TypeClass::LoadModule Failed to find module ID (1) in Symbol Table"));
+    EXPECT_FALSE(m_module->Loaded);
+    EXPECT_EQ(2u, m_record->GetModified()) << "the first load and the failed one";
+}
+
 TEST_F(KindText, GetInfoListsTheMembersWithTheirRows)
 {
     PList<ParameterParserInfo> rows;
