@@ -178,6 +178,17 @@ TEST_F(StoreModuleClass, BadDataFailsTheRecordOrEmptiesAMember)
     EXPECT_FALSE(lonely.Loaded);
 }
 
+TEST_F(StoreModuleClass, FreeingTheFileTakesItsInstancesAlong)
+{
+    const TuningFileModel model = RootModel({DemoModule("demo10_bps", 0, 1.0f), DemoModule("demo10_bps", 1, 2.0f)});
+    ASSERT_TRUE(Load(model));
+    m_manager.FreeBinaryParameters();
+    EXPECT_EQ(nullptr, m_manager.GetDefaultModule(const_cast<char*>("demo10_bps"))->m_head);
+    // A new file finds no instance of the old one among the types' lists.
+    ASSERT_TRUE(Load(model)) << m_manager.m_errorText;
+    EXPECT_EQ(2.0f, Demo(1, "demo10_bps")->gain);
+}
+
 TEST(StoreDefaultModule, TheInstanceListKeepsItsEndsThroughRemovals)
 {
     ModuleData        first(1, 0, nullptr, "demo10_bps", 0, 0, nullptr);

@@ -87,10 +87,13 @@ TEST_F(StoreReplacement, AChangedFileIsReloadedAndHeldRecordsStayUntilTheNextRel
     EXPECT_EQ(20.0f, BpsGain(m_manager, Video));
     EXPECT_EQ(2.0f, first->gain) << "the held record keeps its values";
     EXPECT_EQ(3u, m_manager.m_replacedModules.size());
-    // Its mode went out of service with it and still counts the reference.
+    // Its mode went out of service with it and still counts the reference, which a look-up
+    // gives back as `previous`.
     EXPECT_EQ(1u, ModuleOf(first)->GetReferenceCount());
-    first->Release();
+    DemoRecord* renewed = m_manager.GetModule_demo10_bps(Video.data(), 2, first);
+    EXPECT_EQ(20.0f, renewed->gain);
     EXPECT_EQ(0u, ModuleOf(first)->GetReferenceCount());
+    renewed->Release();
     EXPECT_EQ(0u, m_log.Count("Attempt to release"));
 
     // The next reload frees that generation; the recency list keeps no mode of it.
