@@ -142,7 +142,6 @@ struct ModuleInfo
     Version                  version;
     std::vector<std::string> names;      ///< registered names, in registration order
     std::string              setManager; ///< class name of its set manager
-    Flavour                  flavour = Flavour::Plain;
     std::string              jsonPath;
 };
 

@@ -87,10 +87,6 @@ void ApplyDefaults(SchemaSet& set, const std::map<const void*, std::optional<Fla
         }
         std::optional<Flavour> given = flavours.at(schema.get());
         schema->flavour              = given ? *given : ((nullptr == manager) ? Flavour::Plain : manager->flavour);
-        if (schema->module)
-        {
-            schema->module->flavour = schema->flavour;
-        }
     }
 }
 } // namespace
