@@ -10,14 +10,6 @@ if(NOT MODULEGEN_EXECUTABLE AND NOT VARK_BUILD_TOOLS)
     add_subdirectory(${PROJECT_SOURCE_DIR}/tools/modulegen ${PROJECT_BINARY_DIR}/tools/modulegen)
 endif()
 
-# What generated code calls besides the store: built once, whatever number of module libraries.
-add_library(vark_modulesupport OBJECT
-    ${PROJECT_SOURCE_DIR}/tools/modulegen/runtime/parametermodulesupport.cpp
-    ${PROJECT_SOURCE_DIR}/tools/modulegen/runtime/parametertextaccess.cpp
-)
-target_include_directories(vark_modulesupport PUBLIC ${PROJECT_SOURCE_DIR}/tools/modulegen/runtime)
-target_link_libraries(vark_modulesupport PUBLIC vark_store)
-
 # vark_generate_modules(<target> SCHEMAS <folder> OUTPUT <folder>)
 # An object library <target> of the sources that modulegen makes from the schemas in the
 # subfolders of SCHEMAS. Every schema file gives a header and a source of its own stem, so the
@@ -49,5 +41,5 @@ function(vark_generate_modules target)
     )
     add_library(${target} OBJECT ${sources} ${headers})
     target_include_directories(${target} PUBLIC ${ARG_OUTPUT})
-    target_link_libraries(${target} PUBLIC vark_modulesupport vark_store)
+    target_link_libraries(${target} PUBLIC vark_store)
 endfunction()

@@ -1,7 +1,6 @@
 // What generated module code calls besides the store's own operations: the in-line scalar read,
-// and the steps of strings, lists and optional members that every record repeats. It is built
-// into the library with the generated modules; it lives beside the generator because the two
-// change together.
+// and the steps of strings, lists and optional members that every record repeats. The emitter of
+// tools/modulegen writes calls to exactly these: the two change together.
 #ifndef PARAMETERMODULESUPPORT_H
 #define PARAMETERMODULESUPPORT_H
 
