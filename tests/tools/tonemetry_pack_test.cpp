@@ -1,0 +1,282 @@
+// `tonemetry pack` as its users run it: sources of every sensor-side module packed into files
+// that ImageSensorModuleSetManager loads member by member, at both alignments; the shipped
+// sample; and sources refused with the JSON path of what is wrong and exit status 2.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "g_sensor/imagesensormodulesetmanager.h"
+#include "logcapture.h"
+#include "sensorvalues.h"
+#include "subprocess.h"
+
+namespace
+{
+using sensortest::Json;
+using testsupport::ProcessResult;
+
+std::vector<uint8_t> ReadBytes(const std::string& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+}
+
+class TonemetryPack : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetrypack.XXXXXX").string();
+        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
+        m_directory = pattern;
+    }
+
+    void TearDown() override { std::filesystem::remove_all(m_directory); }
+
+    std::string PathOf(const std::string& name) const { return m_directory + "/" + name; }
+
+    void WriteSource(const std::string& name, const std::string& text) const
+    {
+        std::ofstream stream(PathOf(name), std::ios::binary | std::ios::trunc);
+        stream << text;
+        ASSERT_TRUE(static_cast<bool>(stream));
+    }
+
+    ProcessResult Pack(const std::vector<std::string>& arguments) const
+    {
+        std::vector<std::string> all = {"pack"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return testsupport::RunProcess(TONEMETRY_EXECUTABLE, all, m_directory);
+    }
+
+    /// A source of every registered name with its values, in the use case "Usecase.Video".
+    static Json AllModulesSource()
+    {
+        Json source = {{"setManager", "ImageSensorModuleSetManager"},
+                       {"modes", Json::array({{{"name", "Default"}}, {{"name", "Usecase.Video"}}})},
+                       {"modules", Json::array()}};
+        for (const sensortest::SensorModuleValues& module : sensortest::AllSensorModules())
+        {
+            source["modules"].push_back({{"name", module.name}, {"mode", "Usecase.Video"}, {"values", module.values}});
+        }
+        return source;
+    }
+
+    static void ExpectAllModules(ImageSensorModuleSetManager& manager)
+    {
+        TuningMode video[2] = {};
+        video[1].mode       = 2;
+        video[1].subMode    = 2;
+        for (const sensortest::SensorModuleValues& module : sensortest::AllSensorModules())
+        {
+            SCOPED_TRACE(module.name);
+            module.expect(manager, video, 2);
+        }
+    }
+
+    std::string             m_directory;
+    testsupport::LogCapture m_log; ///< the store's warnings about modules that only a use case holds
+};
+
+TEST_F(TonemetryPack, EveryModuleOfASourceLoadsMemberByMemberFromThePackedFile)
+{
+    WriteSource("all.json", AllModulesSource().dump(2));
+    const std::string output = PathOf("all.bin");
+    ProcessResult     result = Pack({PathOf("all.json"), "-o", output});
+    ASSERT_EQ(0, result.exitStatus) << result.err;
+    EXPECT_EQ("", result.err);
+
+    std::vector<uint8_t> image = ReadBytes(output);
+    EXPECT_EQ(output + ": " + std::to_string(image.size()) + " bytes, 11 modules, version 5.0.0\n", result.out);
+
+    ImageSensorModuleSetManager inBuffer;
+    ASSERT_TRUE(inBuffer.LoadBinaryParameters(image.data(), image.size())) << inBuffer.m_errorText;
+    ExpectAllModules(inBuffer);
+
+    ImageSensorModuleSetManager fromFile;
+    ASSERT_TRUE(fromFile.LoadBinaryParameters(output.c_str())) << fromFile.m_errorText;
+    ASSERT_TRUE(fromFile.IsFileMode());
+    ExpectAllModules(fromFile);
+    EXPECT_EQ(0u, m_log.Count("Failed to read symbol table entry"));
+}
+
+TEST_F(TonemetryPack, AnOlderVersionWritesAlignmentEightWhichLoadsInBufferMode)
+{
+    WriteSource("all.json", AllModulesSource().dump());
+    ProcessResult eight = Pack({PathOf("all.json"), "-o", PathOf("eight.bin"), "--version", "2.0.0"});
+    ProcessResult one   = Pack({PathOf("all.json"), "-o", PathOf("one.bin")});
+    ASSERT_EQ(0, eight.exitStatus) << eight.err;
+    ASSERT_EQ(0, one.exitStatus) << one.err;
+    EXPECT_NE(std::string::npos, eight.out.find("version 2.0.0"));
+
+    std::vector<uint8_t> image = ReadBytes(PathOf("eight.bin"));
+    EXPECT_GT(image.size(), ReadBytes(PathOf("one.bin")).size()) << "every cell takes 8 bytes";
+    ImageSensorModuleSetManager manager;
+    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
+    ExpectAllModules(manager);
+}
+
+TEST_F(TonemetryPack, TheShippedSensorSamplePacksAndLoads)
+{
+    const std::string output = PathOf("sample.bin");
+    ProcessResult     result = Pack({std::string(VARK_EXAMPLES_DIR) + "/sensor_sample.json", "-o", output});
+    ASSERT_EQ(0, result.exitStatus) << result.err;
+    EXPECT_NE(std::string::npos, result.out.find(" bytes, 9 modules, version 5.0.0"));
+
+    ImageSensorModuleSetManager manager;
+    ASSERT_TRUE(manager.LoadBinaryParameters(output.c_str())) << manager.m_errorText;
+    Orvo::SensorDriverData* sensor = manager.GetModule_sensorDriverData(nullptr, 0, nullptr);
+    ASSERT_NE(nullptr, sensor);
+    EXPECT_STREQ("imx_vark", sensor->slaveInfo.sensorName);
+    ASSERT_EQ(1u, sensor->resolutionInfoCount);
+    EXPECT_EQ(3u, sensor->resolutionInfo[0].resolutionsCount);
+    sensor->Release();
+
+    // The use case has an actuator of its own; the rest comes from Default.
+    TuningMode video[2] = {};
+    video[1].mode       = 2;
+    video[1].subMode    = 2;
+    Orvo::ActuatorDriverData* rootActuator  = manager.GetModule_actuatorDriver(nullptr, 0, nullptr);
+    Orvo::ActuatorDriverData* videoActuator = manager.GetModule_actuatorDriver(video, 2, nullptr);
+    ASSERT_NE(nullptr, rootActuator);
+    ASSERT_NE(nullptr, videoActuator);
+    EXPECT_EQ(2u, rootActuator->tunedParams.regionParams.region[0].codePerStep);
+    EXPECT_EQ(1u, videoActuator->tunedParams.regionParams.region[0].codePerStep);
+    rootActuator->Release();
+    videoActuator->Release();
+    for (auto* present : {static_cast<void*>(manager.GetModule_PDConfigData(video, 2, nullptr)),
+                          static_cast<void*>(manager.GetModule_EEPROMDriverData(video, 2, nullptr)),
+                          static_cast<void*>(manager.GetModule_flashDriverData(video, 2, nullptr)),
+                          static_cast<void*>(manager.GetModule_cameraModuleData(video, 2, nullptr)),
+                          static_cast<void*>(manager.GetModule_OISDriver(video, 2, nullptr)),
+                          static_cast<void*>(manager.GetModule_sensorBinSocIdMap(video, 2, nullptr))})
+    {
+        EXPECT_NE(nullptr, present);
+    }
+    EXPECT_EQ(nullptr, manager.GetModule_EEbinDriver(video, 2, nullptr));
+}
+
+struct RefusedSource
+{
+    const char* name;
+    const char* source;
+    const char* refusal; ///< the one error line, after "<source path>: "
+};
+
+class TonemetryPackRefusal : public TonemetryPack, public testing::WithParamInterface<RefusedSource>
+{
+};
+
+TEST_P(TonemetryPackRefusal, TheSourceIsRefusedWithThePathOfWhatIsWrongAndNoFile)
+{
+    WriteSource("bad.json", GetParam().source);
+    ProcessResult result = Pack({PathOf("bad.json"), "-o", PathOf("bad.bin")});
+    EXPECT_EQ(2, result.exitStatus);
+    EXPECT_EQ(PathOf("bad.json") + ": " + GetParam().refusal + "\n", result.err);
+    EXPECT_EQ("", result.out);
+    EXPECT_FALSE(std::filesystem::exists(PathOf("bad.bin")));
+}
+
+#define SENSOR_SOURCE(modes, modules) \
+    R"({"setManager": "ImageSensorModuleSetManager", "modes": )" modes R"(, "modules": )" modules "}"
+#define ROOT_AND_VIDEO R"([{"name": "Default"}, {"name": "Usecase.Video"}])"
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, TonemetryPackRefusal,
+    testing::Values(
+        RefusedSource{"UnknownModuleName", SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "lensDriver"}])"),
+                      "/modules/0/name: unknown module 'lensDriver' of ImageSensorModuleSetManager (actuatorDriver, "
+                      "actuatorDriver1, EEbinDriver, EEPROMDriverData, flashDriverData, flashDriverDataSecondary, "
+                      "cameraModuleData, OISDriver, PDConfigData, sensorDriverData, sensorBinSocIdMap)"},
+        RefusedSource{"WrongType",
+                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "sensorDriverData", "values": {"resolutionInfo":
+                          [{"resolutions": [{}, {}, {}, {"frameRate": "fast"}]}]}}])"),
+                      "/modules/0/values/resolutionInfo/0/resolutions/3/frameRate: expected a number"},
+        RefusedSource{"WrongArrayLength",
+                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "sensorDriverData", "values": {
+                          "noiseCoefficientBayer": {"channel": [{}, {}, {}]}}}])"),
+                      "/modules/0/values/noiseCoefficientBayer/channel: expected an array of 4 elements, not one of 3"},
+        RefusedSource{"UnknownEnumName",
+                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "flashDriverData", "values": {"flashDriverType": "Xenon"}}])"),
+                      "/modules/0/values/flashDriverType: unknown enumerator 'Xenon' of FlashDriverType "
+                      "(FlashDriverType0, FlashDriverType1)"},
+        RefusedSource{"UnknownModeName",
+                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "OISDriver", "mode": "Usecase.Vidoe"}])"),
+                      "/modules/0/mode: unknown sub-mode 'Vidoe' of Usecase in 'Usecase.Vidoe'"},
+        RefusedSource{"ModeNotInTheTree",
+                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "OISDriver", "mode": "Usecase.Snapshot"}])"),
+                      "/modules/0/mode: unknown mode 'Usecase.Snapshot': no mode in /modes has the path "
+                      "'Usecase.Snapshot'"},
+        RefusedSource{"ParentListedLater",
+                      SENSOR_SOURCE(R"([{"name": "Default"}, {"name": "Feature1.ISPHDR", "parent": "Usecase.Video"},
+                                        {"name": "Usecase.Video"}])",
+                                    "[]"),
+                      "/modes/1/parent: unknown mode 'Usecase.Video': no mode listed before it in /modes has the path "
+                      "'Usecase.Video'"},
+        RefusedSource{"RootNotFirst", SENSOR_SOURCE(R"([{"name": "Usecase.Video"}])", "[]"),
+                      "/modes/0/name: the first mode is the root, \"Default\""},
+        RefusedSource{"SecondModuleOfANameInAMode",
+                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "OISDriver", "mode": "Usecase.Video"},
+                                                        {"name": "OISDriver", "mode": "Default|Usecase.Video"}])"),
+                      "/modules/1: mode 'Usecase.Video' already holds 'OISDriver' (/modules/0)"},
+        RefusedSource{"UnknownSetManager", R"({"setManager": "LensSetManager", "modules": []})",
+                      "/setManager: unknown set manager 'LensSetManager' (fdSetManager, ImageSensorModuleSetManager, "
+                      "TuningSetManager)"},
+        RefusedSource{"KeyGivenTwice", R"({"setManager": "ImageSensorModuleSetManager", "modules": [], "modules": []})",
+                      "/modules: key given twice"}),
+    [](const testing::TestParamInfo<RefusedSource>& info) { return info.param.name; });
+
+TEST_F(TonemetryPack, EveryProblemOfASourceIsToldInOneRun)
+{
+    WriteSource("bad.json", SENSOR_SOURCE(ROOT_AND_VIDEO, R"([
+        {"name": "actuatorDriver", "values": {"slaveInfo": {"slaveAddress": 65536, "actuatorType": 2}}},
+        {"name": "sensorBinSocIdMap", "values": {"socIdInfo": [{"socIds": "415"}], "version": 1}}])"));
+    ProcessResult result = Pack({PathOf("bad.json"), "-o", PathOf("bad.bin")});
+    EXPECT_EQ(2, result.exitStatus);
+    const std::string prefix = PathOf("bad.json") + ": ";
+    EXPECT_EQ(prefix + "/modules/0/values/slaveInfo/slaveAddress: 65536 is out of range for UInt16 (0 to 65535)\n" +
+                  prefix + "/modules/0/values/slaveInfo/actuatorType: 2 is not a value of ActuatorType (0 to 1)\n" +
+                  prefix + "/modules/1/values/version: unknown member 'version' of SensorBinSocIdMap\n" + prefix +
+                  "/modules/1/values/socIdInfo/0/socIds: expected an array, not a string\n",
+              result.err);
+}
+
+TEST_F(TonemetryPack, AFeatureTheVersionCannotHoldIsRefusedAtItsMode)
+{
+    WriteSource("pinned.json", SENSOR_SOURCE(R"([{"name": "Default"}, {"name": "Usecase.Video", "pinned": true}])", "[]"));
+    ProcessResult result = Pack({PathOf("pinned.json"), "-o", PathOf("pinned.bin"), "--version", "2.0.0"});
+    EXPECT_EQ(2, result.exitStatus);
+    EXPECT_EQ(PathOf("pinned.json") + ": /modes/1: the pinned flag needs version 5.0.0 or above\n", result.err);
+}
+
+TEST_F(TonemetryPack, BadArgumentsAndUnreadableInputAreRefusedAndAnUnwritableOutputFails)
+{
+    WriteSource("empty.json", SENSOR_SOURCE(ROOT_AND_VIDEO, "[]"));
+    WriteSource("broken.json", R"({"setManager": )");
+
+    ProcessResult noOutput = Pack({PathOf("empty.json")});
+    EXPECT_EQ(2, noOutput.exitStatus);
+    EXPECT_NE(std::string::npos, noOutput.err.find("--output is required"));
+
+    ProcessResult badVersion = Pack({PathOf("empty.json"), "-o", PathOf("x.bin"), "--version", "5.0"});
+    EXPECT_EQ(2, badVersion.exitStatus);
+    EXPECT_EQ("tonemetry pack: --version '5.0' is no version major.minor.patch\n", badVersion.err);
+
+    ProcessResult broken = Pack({PathOf("broken.json"), "-o", PathOf("x.bin")});
+    EXPECT_EQ(2, broken.exitStatus);
+    EXPECT_EQ(0u, broken.err.find(PathOf("broken.json") + ": not valid JSON"));
+
+    ProcessResult missing = Pack({PathOf("missing.json"), "-o", PathOf("x.bin")});
+    EXPECT_EQ(2, missing.exitStatus);
+    EXPECT_EQ(PathOf("missing.json") + ": cannot be read\n", missing.err);
+
+    ProcessResult unwritable = Pack({PathOf("empty.json"), "-o", PathOf("no/such/folder/x.bin")});
+    EXPECT_EQ(1, unwritable.exitStatus);
+    EXPECT_EQ("tonemetry pack: " + PathOf("no/such/folder/x.bin") + ": cannot be written\n", unwritable.err);
+}
+} // namespace
