@@ -54,20 +54,27 @@ protected:
         return testsupport::RunProcess(TONEMETRY_EXECUTABLE, all, m_directory);
     }
 
-    /// A source of every registered name with its values, in the use case "Usecase.Video".
-    static Json AllModulesSource()
+    /// A source of every registered name with its values, in the use case "Usecase.Video" or,
+    /// for versions without a mode tree, in the root.
+    static Json AllModulesSource(bool inVideo = true)
     {
-        Json source = {{"setManager", "ImageSensorModuleSetManager"},
-                       {"modes", Json::array({{{"name", "Default"}}, {{"name", "Usecase.Video"}}})},
-                       {"modules", Json::array()}};
+        Json source = {{"setManager", "ImageSensorModuleSetManager"}, {"modules", Json::array()}};
+        if (inVideo)
+        {
+            source["modes"] = Json::array({{{"name", "Default"}}, {{"name", "Usecase.Video"}}});
+        }
         for (const sensortest::SensorModuleValues& module : sensortest::AllSensorModules())
         {
-            source["modules"].push_back({{"name", module.name}, {"mode", "Usecase.Video"}, {"values", module.values}});
+            source["modules"].push_back({{"name", module.name}, {"values", module.values}});
+            if (inVideo)
+            {
+                source["modules"].back()["mode"] = "Usecase.Video";
+            }
         }
         return source;
     }
 
-    static void ExpectAllModules(ImageSensorModuleSetManager& manager)
+    static void ExpectAllModules(ImageSensorModuleSetManager& manager, bool inVideo = true)
     {
         TuningMode video[2] = {};
         video[1].mode       = 2;
@@ -75,7 +82,7 @@ protected:
         for (const sensortest::SensorModuleValues& module : sensortest::AllSensorModules())
         {
             SCOPED_TRACE(module.name);
-            module.expect(manager, video, 2);
+            module.expect(manager, inVideo ? video : nullptr, inVideo ? 2 : 0);
         }
     }
 
@@ -105,15 +112,45 @@ TEST_F(TonemetryPack, EveryModuleOfASourceLoadsMemberByMemberFromThePackedFile)
     EXPECT_EQ(0u, m_log.Count("Failed to read symbol table entry"));
 }
 
-TEST_F(TonemetryPack, AnOlderVersionWritesAlignmentEightWhichLoadsInBufferMode)
+class TonemetryPackVersion : public TonemetryPack, public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(TonemetryPackVersion, EveryVersionOfTheWriterHoldsEveryModuleAndLoadsInBufferMode)
+{
+    // Alignment 8 (from 1.1.0 up to 3.0.1) is read in buffer mode only; files without a data
+    // table (below 4.0.0) keep their pointer entries in the symbol table.
+    const std::string version = GetParam();
+    WriteSource("root.json", AllModulesSource(false).dump());
+    ProcessResult result = Pack({PathOf("root.json"), "-o", PathOf("root.bin"), "--version", version});
+    ASSERT_EQ(0, result.exitStatus) << result.err;
+    EXPECT_NE(std::string::npos, result.out.find(" bytes, 11 modules, version " + version + "\n"));
+
+    std::vector<uint8_t>        image = ReadBytes(PathOf("root.bin"));
+    ImageSensorModuleSetManager manager;
+    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
+    ExpectAllModules(manager, false);
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, TonemetryPackVersion,
+                         testing::Values("1.0.0", "1.0.2", "1.1.0", "2.0.0", "3.0.0", "3.0.1", "3.1.0", "4.0.0", "5.0.0"),
+                         [](const testing::TestParamInfo<const char*>& info)
+                         {
+                             std::string name = std::string("Version") + info.param;
+                             for (char& character : name)
+                             {
+                                 character = (character == '.') ? '_' : character;
+                             }
+                             return name;
+                         });
+
+TEST_F(TonemetryPack, AlignmentEightTakesMoreBytesThanOneForTheSameSource)
 {
     WriteSource("all.json", AllModulesSource().dump());
     ProcessResult eight = Pack({PathOf("all.json"), "-o", PathOf("eight.bin"), "--version", "2.0.0"});
     ProcessResult one   = Pack({PathOf("all.json"), "-o", PathOf("one.bin")});
     ASSERT_EQ(0, eight.exitStatus) << eight.err;
     ASSERT_EQ(0, one.exitStatus) << one.err;
-    EXPECT_NE(std::string::npos, eight.out.find("version 2.0.0"));
-
     std::vector<uint8_t> image = ReadBytes(PathOf("eight.bin"));
     EXPECT_GT(image.size(), ReadBytes(PathOf("one.bin")).size()) << "every cell takes 8 bytes";
     ImageSensorModuleSetManager manager;
@@ -159,6 +196,53 @@ TEST_F(TonemetryPack, TheShippedSensorSamplePacksAndLoads)
         EXPECT_NE(nullptr, present);
     }
     EXPECT_EQ(nullptr, manager.GetModule_EEbinDriver(video, 2, nullptr));
+}
+
+TEST_F(TonemetryPack, ModesByNamedPathsBecomeTheTreeOfTheFile)
+{
+    WriteSource("tree.json", R"({"setManager": "ImageSensorModuleSetManager", "modes": [
+        {"name": "Default"},
+        {"name": "Usecase.Video", "pinned": true},
+        {"name": "Feature1.ISPHDR", "parent": "Usecase.Video"},
+        {"name": "Usecase.Snapshot", "link": "Sensor.3"},
+        {"name": "Sensor.3"},
+        {"name": "2.5", "parent": "Default|1.3"}
+    ], "modules": [{"name": "OISDriver", "mode": "Sensor.3|Usecase.SnapshotReprocess"}]})");
+    ProcessResult result = Pack({PathOf("tree.json"), "-o", PathOf("tree.bin")});
+    ASSERT_EQ(0, result.exitStatus) << result.err;
+
+    std::vector<uint8_t>        image = ReadBytes(PathOf("tree.bin"));
+    ImageSensorModuleSetManager manager;
+    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
+    struct Expected
+    {
+        uint32_t mode, subMode, parent;
+        bool     pinned;
+    };
+    // The reader pins Sensor modes whatever the file says.
+    const Expected expected[] = {{2, 2, 0, true}, {3, 1, 1, false}, {2, 1, 0, false}, {1, 3, 0, true}, {2, 5, 4, false}};
+    for (uint32_t id = 1; id <= 5; ++id)
+    {
+        SCOPED_TRACE("mode " + std::to_string(id));
+        ModeEntry* entry = manager.GetModeEntry(id);
+        ASSERT_NE(nullptr, entry);
+        EXPECT_EQ(expected[id - 1].mode, entry->m_mode.mode);
+        EXPECT_EQ(expected[id - 1].subMode, entry->m_mode.subMode);
+        ASSERT_NE(nullptr, entry->m_parent);
+        EXPECT_EQ(expected[id - 1].parent, entry->m_parent->m_id);
+        EXPECT_EQ(expected[id - 1].pinned, entry->m_pinned);
+        EXPECT_EQ(id == 3, nullptr != entry->m_link);
+    }
+    ASSERT_NE(nullptr, manager.GetModeEntry(3)->m_link);
+    EXPECT_EQ(manager.GetModeEntry(4), *manager.GetModeEntry(3)->m_link) << "Snapshot links to Sensor.3";
+
+    TuningMode branch[3] = {};
+    branch[1].mode       = 1;
+    branch[1].subMode    = 3;
+    branch[2].mode       = 2;
+    branch[2].subMode    = 5;
+    Orvo::OISDriverData* ois = manager.GetModule_OISDriver(branch, 3, nullptr);
+    EXPECT_NE(nullptr, ois) << "the module hangs on Sensor.3|Usecase.SnapshotReprocess";
 }
 
 struct RefusedSource

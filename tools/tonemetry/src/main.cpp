@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Packs and inspects binary tuning files.", "tonemetry");
+    CLI::App app("The command-line tool around binary tuning files.", "tonemetry");
     app.require_subcommand(1);
     int status = tonemetry::ExitSuccess;
     tonemetry::AddPackCommand(app, &status);

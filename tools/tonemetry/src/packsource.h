@@ -7,14 +7,11 @@
 #include <vector>
 
 #include "modulegen/model.h"
-#include "tuningencoder/encoder.h"
+#include "sourcefields.h"
 #include "tuningfile/model.h"
 
 namespace tonemetry
 {
-using tuningencoder::EncodeError;
-using tuningencoder::Json;
-
 /// Reads `source` into the modes, modules and binary tag of `*model`; its version and alignment
 /// stay as they are. The model's modes and modules stand at the indices they have in the
 /// source. Every refusal goes to `*errors` with its JSON pointer; true when there is none.
