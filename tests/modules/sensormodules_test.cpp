@@ -86,10 +86,10 @@ const modulegen::SetManager* SensorModules::s_manager = nullptr;
 
 TEST_F(SensorModules, TheSetManagerRegistersEveryNameOfTheCatalogueInItsOrder)
 {
-    const std::vector<std::string> catalogue = {"actuatorDriver",   "actuatorDriver1",          "EEbinDriver",
-                                                "EEPROMDriverData", "flashDriverData",          "flashDriverDataSecondary",
-                                                "cameraModuleData", "OISDriver",                "PDConfigData",
-                                                "sensorDriverData", "sensorBinSocIdMap"};
+    const std::vector<std::string> catalogue = {
+        "actuatorDriver",   "actuatorDriver1", "EEbinDriver",  "EEPROMDriverData", "flashDriverData",
+        "flashDriverDataSecondary", "cameraModuleData", "OISDriver", "PDConfigData", "sensorDriverData",
+        "sensorBinSocIdMap"};
     std::vector<std::string>       registered;
     for (const modulegen::Registration& registration : s_manager->registrations)
     {
@@ -168,7 +168,7 @@ TEST_F(SensorModules, TwoNamesOfOneClassLoadIndependentlyFromOneFile)
     Orvo::ActuatorDriverData* inUse  = manager.GetModule_actuatorDriver1(video.modes, 2, nullptr);
     ASSERT_NE(nullptr, inUse);
     EXPECT_NE(first, second);
-    EXPECT_STREQ("ak_0", inUse->slaveInfo.actuatorName) << "the use case's actuatorDriver1 holds the values of the first";
+    EXPECT_STREQ("ak_0", inUse->slaveInfo.actuatorName) << "the use case's actuatorDriver1 has the first's values";
     EXPECT_NE(second, inUse);
 
     // One class, two registrations: each name's instances carry the name they were created under.

@@ -350,8 +350,10 @@ Json SensorDriverValues()
     values["groupHoldOnSettings"]     = Settings(0x0120, 2);
     values["masterSettings"]          = Settings(0x3F00, 2);
     values["softwareSyncConfig"]      = {{"syncMode", 2}};
-    values["temperatureReadSettings"] = {{"temperatureRegisterAddress", "0x013A"}, {"readSettings", Settings(0x0138, 1)}};
-    values["initSettings"] = Json::array({{{"sensorVersion", 1}, {"settings", Settings(0x0136, 4)}}, {{"sensorVersion", 2}}});
+    values["temperatureReadSettings"] = {{"temperatureRegisterAddress", "0x013A"},
+                                         {"readSettings", Settings(0x0138, 1)}};
+    values["initSettings"]            = Json::array({{{"sensorVersion", 1}, {"settings", Settings(0x0136, 4)}},
+                                                     {{"sensorVersion", 2}}});
     values["testPatternInfo"] = {
         {"testPatternData", Json::array({{{"mode", "TestPatternMode4"}, {"settings", Settings(0x0600, 2)}}})}};
     values["gmslInfo"] = Json::parse(R"({
@@ -364,14 +366,19 @@ Json SensorDriverValues()
     })");
     values["gmslInfo"]["streamOnSettings"]                      = Settings(0x0700, 1);
     values["gmslInfo"]["serializerModeSettings"][0]["settings"] = Settings(0x0710, 1);
-    values["colorLevelInfo"] = {{"whiteLevel", 1023}, {"rPedestal", 64}, {"grPedestal", 65}, {"gbPedestal", 66}, {"bPedestal", 67}};
+    values["colorLevelInfo"] = {{"whiteLevel", 1023}, {"rPedestal", 64}, {"grPedestal", 65},
+                                {"gbPedestal", 66},   {"bPedestal", 67}};
     values["opticalBlackRegionInfo"] = {{"regions", Json::array({Frame(0, 0, 4000, 16), Frame(0, 3016, 4000, 8)})}};
     values["pixelArrayInfo"]         = {{"activeDimension", {{"width", 4000}, {"height", 3000}}},
                                         {"dummyBorder", {{"left", 1}, {"top", 2}, {"right", 3}, {"bottom", 4}}}};
     values["delayInfo"]              = Json::parse(R"([{"delayType": "DelayInfoType1", "shortExposureDelay": 2,
         "frameLengthDelay": 1, "exposureDelay": 2, "analogGainDelay": 3, "digitalGainDelay": 1}])");
-    values["sensorProperty"] = {{"pixelSize", 1.12}, {"cropFactor", 6.2}, {"sensingMethod", "SensingMethod2"}, {"baseSensitivity", 100}};
-    values["noiseCoefficient"] = {{"gradientS", 3.2e-6}, {"offsetS", 3.0e-8}, {"gradientO", 4.5e-12}, {"offsetO", 1.1e-9}};
+    values["sensorProperty"]   = {{"pixelSize", 1.12},
+                                  {"cropFactor", 6.2},
+                                  {"sensingMethod", "SensingMethod2"},
+                                  {"baseSensitivity", 100}};
+    values["noiseCoefficient"] = {{"gradientS", 3.2e-6}, {"offsetS", 3.0e-8}, {"gradientO", 4.5e-12},
+                                  {"offsetO", 1.1e-9}};
     return values;
 }
 
@@ -1012,8 +1019,9 @@ void ExpectDualCameraInfo(const DualCameraInfo& dual)
 Json CorrectionInfo(uint32_t seed)
 {
     return {{"memoryType", MemoryKind(seed % 7)},
-            {"settings", Json::array({{{"data", Memory(seed)}, {"registerAddress", seed + 1}, {"registerDataType", 2}},
-                                      {{"data", Memory(seed + 2)}, {"registerAddress", seed + 3}, {"registerDataType", 1}}})},
+            {"settings",
+             Json::array({{{"data", Memory(seed)}, {"registerAddress", seed + 1}, {"registerDataType", 2}},
+                          {{"data", Memory(seed + 2)}, {"registerAddress", seed + 3}, {"registerDataType", 1}}})},
             {"dataOffset", seed * 10},
             {"dataSize", 64},
             {"registerCount", 2}};
@@ -1098,7 +1106,8 @@ Json EepromValues()
     format["spcInfo"]         = CorrectionInfo(160);
     format["oisInfo"]         = {{"memoryType", MemoryKind(6)}, {"calibrationData", Memory(170)},
                                  {"OISAddressArray", Json::array({"0x8000", "0x8004", "0x8008"})},
-                                 {"dataOffset", 512}, {"dataSize", 128}, {"registerDataType", 2}, {"slaveAddress", "0x7C"}};
+                                 {"dataOffset", 512}, {"dataSize", 128}, {"registerDataType", 2},
+                                 {"slaveAddress", "0x7C"}};
     format["pdafDCCInfo"]     = {{"memoryType", MemoryKind(7)}, {"slopeData", Memory(175)}, {"offsetData", Memory(176)},
                                  {"knotCountHorizontal", 8}, {"knotCountVertical", 6}, {"offsetX", 24}, {"offsetY", 16},
                                  {"areaWidth", 496}, {"areaHeight", 372}, {"qFactor", 11}};

@@ -170,7 +170,8 @@ TEST_F(KindEncoder, EnumsByNameAndByNumberAndWholeNumbersInEveryFormEncodeAlike)
 
     // A tree built in code holds signed numbers where a parsed text holds unsigned ones.
     DataBuilder inCode;
-    Json        values = Json::parse(R"({"history": ["mode_high"], "u32": 31, "i32": -2147483648, "flag": false, "u16": 7})");
+    Json        values =
+        Json::parse(R"({"history": ["mode_high"], "u32": 31, "i32": -2147483648, "flag": false, "u16": 7})");
     values["phase"]    = static_cast<int>(StageLast);
     ASSERT_TRUE(Encode(values, &inCode)) << m_errors.front().ToString();
     EXPECT_EQ(Image(byName), Image(inCode));
@@ -198,7 +199,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         RangeCase{R"({"u8": 256})", "/values/u8: 256 is out of range for UInt8 (0 to 255)"},
         RangeCase{R"({"u16": -1})", "/values/u16: -1 is out of range for UInt16 (0 to 65535)"},
-        RangeCase{R"({"i32": 2147483648})", "/values/i32: 2147483648 is out of range for Int32 (-2147483648 to 2147483647)"},
+        RangeCase{R"({"i32": 2147483648})",
+                  "/values/i32: 2147483648 is out of range for Int32 (-2147483648 to 2147483647)"},
         RangeCase{R"({"i64": -1e19})",
                   "/values/i64: -10000000000000000000 is out of range for Int64 (-9223372036854775808 to "
                   "9223372036854775807)"},
@@ -213,9 +215,10 @@ INSTANTIATE_TEST_SUITE_P(
         RangeCase{R"({"ratio": "2.5"})", "/values/ratio: expected a number"},
         RangeCase{R"({"curve": [0.5, "x"]})", "/values/curve/1: expected a number"},
         RangeCase{R"({"level": 65536})", "/values/level: 65536 is out of range for UInt16 (0 to 65535)"},
-        RangeCase{R"({"chosenMode": -10})", "/values/chosenMode: -10 is not a value of tonemetry_kind10Type::modeEnum (0, 10, 20)"},
-        RangeCase{R"({"history": [0.5]})", "/values/history/0: expected an enumerator of tonemetry_kind10Type::modeEnum, by name "
-                                           "or number"}));
+        RangeCase{R"({"chosenMode": -10})",
+                  "/values/chosenMode: -10 is not a value of tonemetry_kind10Type::modeEnum (0, 10, 20)"},
+        RangeCase{R"({"history": [0.5]})",
+                  "/values/history/0: expected an enumerator of tonemetry_kind10Type::modeEnum, by name or number"}));
 
 TEST_F(KindEncoder, RefusalsNameThePathOfEveryWrongValueInOneRun)
 {

@@ -133,7 +133,8 @@ TEST_P(TonemetryPackVersion, EveryVersionOfTheWriterHoldsEveryModuleAndLoadsInBu
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, TonemetryPackVersion,
-                         testing::Values("1.0.0", "1.0.2", "1.1.0", "2.0.0", "3.0.0", "3.0.1", "3.1.0", "4.0.0", "5.0.0"),
+                         testing::Values("1.0.0", "1.0.2", "1.1.0", "2.0.0", "3.0.0", "3.0.1", "3.1.0", "4.0.0",
+                                         "5.0.0"),
                          [](const testing::TestParamInfo<const char*>& info)
                          {
                              std::string name = std::string("Version") + info.param;
@@ -220,7 +221,8 @@ TEST_F(TonemetryPack, ModesByNamedPathsBecomeTheTreeOfTheFile)
         bool     pinned;
     };
     // The reader pins Sensor modes whatever the file says.
-    const Expected expected[] = {{2, 2, 0, true}, {3, 1, 1, false}, {2, 1, 0, false}, {1, 3, 0, true}, {2, 5, 4, false}};
+    const Expected expected[] = {
+        {2, 2, 0, true}, {3, 1, 1, false}, {2, 1, 0, false}, {1, 3, 0, true}, {2, 5, 4, false}};
     for (uint32_t id = 1; id <= 5; ++id)
     {
         SCOPED_TRACE("mode " + std::to_string(id));
@@ -286,7 +288,8 @@ INSTANTIATE_TEST_SUITE_P(
                           "noiseCoefficientBayer": {"channel": [{}, {}, {}]}}}])"),
                       "/modules/0/values/noiseCoefficientBayer/channel: expected an array of 4 elements, not one of 3"},
         RefusedSource{"UnknownEnumName",
-                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "flashDriverData", "values": {"flashDriverType": "Xenon"}}])"),
+                      SENSOR_SOURCE(ROOT_AND_VIDEO,
+                                    R"([{"name": "flashDriverData", "values": {"flashDriverType": "Xenon"}}])"),
                       "/modules/0/values/flashDriverType: unknown enumerator 'Xenon' of FlashDriverType "
                       "(FlashDriverType0, FlashDriverType1)"},
         RefusedSource{"UnknownModeName",
@@ -332,7 +335,8 @@ TEST_F(TonemetryPack, EveryProblemOfASourceIsToldInOneRun)
 
 TEST_F(TonemetryPack, AFeatureTheVersionCannotHoldIsRefusedAtItsMode)
 {
-    WriteSource("pinned.json", SENSOR_SOURCE(R"([{"name": "Default"}, {"name": "Usecase.Video", "pinned": true}])", "[]"));
+    WriteSource("pinned.json",
+                SENSOR_SOURCE(R"([{"name": "Default"}, {"name": "Usecase.Video", "pinned": true}])", "[]"));
     ProcessResult result = Pack({PathOf("pinned.json"), "-o", PathOf("pinned.bin"), "--version", "2.0.0"});
     EXPECT_EQ(2, result.exitStatus);
     EXPECT_EQ(PathOf("pinned.json") + ": /modes/1: the pinned flag needs version 5.0.0 or above\n", result.err);

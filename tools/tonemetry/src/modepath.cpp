@@ -84,7 +84,8 @@ std::optional<ModeElement> ParseModeName(std::string_view text, std::string* err
     std::optional<uint16_t> subMode = ParseSubModeWord(*mode, subWord);
     if (!subMode)
     {
-        *error = "unknown sub-mode '" + std::string(subWord) + "' of " + ModeWord(*mode) + " in '" + std::string(text) + "'";
+        *error = "unknown sub-mode '" + std::string(subWord) + "' of " + ModeWord(*mode) + " in '" +
+                 std::string(text) + "'";
         return std::nullopt;
     }
     if ((*mode == 0) && (*subMode != 0))

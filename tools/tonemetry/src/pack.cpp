@@ -100,7 +100,8 @@ int RunPack(const PackOptions& options)
 void AddPackCommand(CLI::App& app, int* status)
 {
     auto       options = std::make_shared<PackOptions>();
-    CLI::App* command = app.add_subcommand("pack", "Write a binary tuning file from a JSON source of modes and modules.");
+    CLI::App* command =
+        app.add_subcommand("pack", "Write a binary tuning file from a JSON source of modes and modules.");
     command->add_option("source", options->source, "the JSON source (format: tools/tonemetry/README.md)")->required();
     command->add_option("-o,--output", options->output, "the tuning file to write")->required();
     command->add_option("--version", options->version, "file format version; its alignment follows from it")

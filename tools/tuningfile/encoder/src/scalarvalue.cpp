@@ -92,14 +92,16 @@ std::optional<WholeNumber> ParseWholeNumber(const Json& value)
         const int64_t signedValue = value.get<int64_t>();
         number.negative           = signedValue < 0;
         // Negated in unsigned arithmetic, so that the lowest int64_t has its magnitude too.
-        number.magnitude = number.negative ? (0 - static_cast<uint64_t>(signedValue)) : static_cast<uint64_t>(signedValue);
+        number.magnitude =
+            number.negative ? (0 - static_cast<uint64_t>(signedValue)) : static_cast<uint64_t>(signedValue);
         return number;
     }
     if (value.is_number_float())
     {
         const double floating = value.get<double>();
         // 2^64: beyond it no whole number of the schema's types lies.
-        if (!std::isfinite(floating) || (std::trunc(floating) != floating) || (std::fabs(floating) >= 18446744073709551616.0))
+        constexpr double Beyond = 18446744073709551616.0;
+        if (!std::isfinite(floating) || (std::trunc(floating) != floating) || (std::fabs(floating) >= Beyond))
         {
             return std::nullopt;
         }
