@@ -2,6 +2,8 @@
 // release of what a file brought with it.
 #include "parametersetmanager.h"
 
+#include <algorithm>
+
 #include "orvomem.h"
 #include "orvoosutils.h"
 
@@ -9,6 +11,9 @@ ParameterSetManager::ParameterSetManager() = default;
 
 ParameterSetManager::~ParameterSetManager()
 {
+    // Safe variant: the link stops before any module goes (the derived destructor has stopped
+    // it already; this covers one that did not).
+    StopTuningWorker();
     // A generated destructor has deleted the registered types already; a manager that did not
     // must not leave them (and the instances that point into its tables) behind.
     DeleteDefaultModules();
@@ -16,6 +21,7 @@ ParameterSetManager::~ParameterSetManager()
     PARAMETER_LOG_DEBUG(this, "FreeReplacedParameters called\n");
     FreeReplaced(false);
     FreeBinaryParameters();
+    DeleteTuningWorker();
     while (!m_updateSetManagers.empty())
     {
         delete m_updateSetManagers.front();
@@ -53,6 +59,8 @@ void ParameterSetManager::SetError(char const* text, ModuleData const* data)
 
 void ParameterSetManager::FreeBinaryParameters()
 {
+    // Safe variant: the live tuning link may be inside a module of this file on its own thread.
+    ParameterMutexLock access(&m_accessLock, false, true);
     PARAMETER_LOG_DEBUG(this, "FreeBinaryParameters called\n");
     // Safe variant: instances still in service would keep ModuleData of the table freed below;
     // they came with this file and go with it (a reload has moved them out of service before).
@@ -73,11 +81,28 @@ void ParameterSetManager::FreeBinaryParameters()
     delete m_symbolTable;
     m_tag         = nullptr;
     m_symbolTable = nullptr;
+    PublishTag();
+}
+
+void ParameterSetManager::PublishTag()
+{
+    if (nullptr == m_tag)
+    {
+        m_loggingIdentifier = nullptr;
+        return;
+    }
+    auto published = std::find(m_publishedTags.begin(), m_publishedTags.end(), m_tag);
+    if (m_publishedTags.end() == published)
+    {
+        published = m_publishedTags.insert(m_publishedTags.end(), m_tag);
+    }
+    m_loggingIdentifier = published->c_str();
 }
 
 char const* ParameterSetManager::GetLoggingIdentifier()
 {
-    return m_tag;
+    // Safe variant: the text of m_tag, from a copy that no load or free takes away.
+    return m_loggingIdentifier;
 }
 
 bool ParameterSetManager::LoggingEnabled(ParameterLogging::ParameterLogLevel level)

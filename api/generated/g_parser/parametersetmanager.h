@@ -174,6 +174,10 @@ public:
     /// File mode: only tables stay in memory and modules load by mode.
     bool IsFileMode() const { return m_fileMode.load(); }
 
+    /// The internet port on which the live tuning link listens (20803 unless that was taken),
+    /// or 0 while it listens on none: no link, not started, or on the local fall-back socket.
+    unsigned short GetTuningLinkPort() const;
+
     // Mode paths and names.
 
     /// Appends the elements of a numeric mode path to `branch`; false for a null path, a
@@ -259,6 +263,14 @@ protected:
     /// invalid or the reload into buffer mode failed.
     bool UpdateFromBuffer(unsigned char* buffer, unsigned long size, ParameterSetManager* (*create)());
 
+    /// Gives the manager its live tuning link (the tuning managers' constructor); a load
+    /// starts it while m_tuningEnabled holds.
+    void CreateTuningWorker();
+    /// Stops the live tuning link for good. A derived destructor calls it first: the link
+    /// serves through this object's modules and virtual operations, which go before the base
+    /// destructor runs.
+    void StopTuningWorker();
+
 private:
     /// A mode tree that a reload took out of service: the replaced modules' ModuleData still
     /// point into it, so it lives as long as they do.
@@ -308,6 +320,14 @@ private:
     void FreeReplaced(bool keepHeld);
     /// The pinning step of SetValue.
     void PinMode(ParameterModule const* module);
+    /// Makes the present m_tag the logging identifier. The link's threads log through it while
+    /// a load or a free replaces the tag, so the identifier is a copy that stays readable: one
+    /// per distinct tag text, kept until the manager goes. Called under the access lock.
+    void PublishTag();
+    /// Starts the live tuning link after a successful load, if there is one and it is enabled.
+    void StartTuningWorker();
+    /// Stops the link once more and deletes it with its holder.
+    void DeleteTuningWorker();
 
     /// One record of the mode section, as read.
     struct ModeRecord
@@ -333,6 +353,8 @@ private:
     uint32_t            m_reloadGeneration = 0; ///< reloads so far; written under the access lock
     std::list<ModeTree> m_replacedTrees;     ///< owned; freed with the replaced symbol tables
     std::mutex          m_errorLock;         ///< SetError may be called from several threads
+    std::list<std::string>   m_publishedTags;   ///< texts that m_loggingIdentifier has pointed to
+    std::atomic<char const*> m_loggingIdentifier{nullptr};
 };
 
 #endif // PARAMETERSETMANAGER_H

@@ -36,6 +36,9 @@ void FreeText(char* text)
 
 bool ParameterSetManager::LoadBinaryParameters(unsigned char* buffer, unsigned long length)
 {
+    // Safe variant: the live tuning link reads this manager on its own thread, so a load
+    // excludes its readers.
+    ParameterMutexLock access(&m_accessLock, false, true);
     PARAMETER_LOG_DEBUG(this, "Load Binary Parameters from buffer\n");
     m_parametersValid = false;
     if (nullptr != m_symbolTable)
@@ -61,6 +64,7 @@ bool ParameterSetManager::LoadBinaryParameters(unsigned char* buffer, unsigned l
     {
         PARAMETER_LOG_DEBUG(this, "Load Binary Parameters completed: Tag: %s, Version: %d.%d.%d\n",
                             (nullptr == m_tag) ? "" : m_tag, m_version.major, m_version.minor, m_version.patch);
+        StartTuningWorker();
     }
     return m_parametersValid;
 }
@@ -79,6 +83,8 @@ bool ParameterSetManager::LoadBinaryParameters(char const* fileName)
                             static_cast<long long>(nameLength), static_cast<int>(MaxNameLength));
         return false;
     }
+    // Safe variant: as for a buffer, the link's reads wait for the load.
+    ParameterMutexLock access(&m_accessLock, false, true);
     PARAMETER_LOG_DEBUG(this, "Load Binary Parameters from file: %s\n", fileName);
     m_parametersValid = false;
     if (nullptr != m_symbolTable)
@@ -136,6 +142,7 @@ bool ParameterSetManager::LoadBinaryParameters(char const* fileName)
             {
                 PARAMETER_LOG_DEBUG(this, "Load Binary Parameters completed: Binary Version: %d.%d.%d\n",
                                     m_version.major, m_version.minor, m_version.patch);
+                StartTuningWorker();
             }
         }
         OrvoFree(head, OrvoMemFlagsNone, __FILE__, __LINE__);
@@ -180,6 +187,7 @@ bool ParameterSetManager::ReadHeader(unsigned char* buffer, unsigned int length,
         char* binaryTag = ParameterUtils::ReadString(buffer, length, pos, BinaryTagSize, 1);
         FreeText(m_tag);
         m_tag = binaryTag;
+        PublishTag();
         PARAMETER_LOG_DEBUG(this, "ReadHeader: Version %d.%d.%d BinaryTag: %s, Tool: %s\n", m_version.major,
                             m_version.minor, m_version.patch, (nullptr == m_tag) ? "" : m_tag,
                             (nullptr == tool) ? "" : tool);

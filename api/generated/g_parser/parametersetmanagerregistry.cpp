@@ -99,6 +99,9 @@ bool ParameterSetManager::UpdateFromBuffer(unsigned char* buffer, unsigned long 
         SetError("UpdateBinaryParameters failed to load parameters", nullptr);
         return true;
     }
+    // Safe variant: the update's own link stays off. Its modules move into this manager, which
+    // serves them on its link; a second one would reach them after they are freed here.
+    update->m_tuningEnabled = false;
     if (update->LoadBinaryParameters(buffer, size))
     {
         UpdateParameters(update);
