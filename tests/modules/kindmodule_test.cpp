@@ -18,6 +18,14 @@ using namespace kind_1_0_0;
 using testsupport::LogCapture;
 using tuningfile::DataBuilder;
 
+/// The generated tuning manager with its live tuning link switched off: these tests load files
+/// for their modules and must not race the link tests for the link's port.
+class KindSetManagerNoLink : public ModuleTestSetManager
+{
+public:
+    KindSetManagerNoLink() { m_tuningEnabled = false; }
+};
+
 constexpr tuningfile::Version KindVersion{1, 0, 0};
 constexpr uint32_t            U32Marker = 0xA1B2C3D4;
 
@@ -124,7 +132,7 @@ class KindFile : public testing::TestWithParam<tuningfile::Version>
 {
 protected:
     LogCapture           m_log;
-    ModuleTestSetManager m_manager;
+    KindSetManagerNoLink m_manager;
 };
 
 TEST_P(KindFile, EveryMemberKindLoads)
@@ -147,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(Alignments, KindFile, testing::Values(moduletest::Align
 
 TEST(KindNames, OneClassServesBothNamesWithInstancesOfTheirOwn)
 {
-    ModuleTestSetManager manager;
+    KindSetManagerNoLink manager;
     std::vector<uint8_t> image =
         KindImage(moduletest::AlignmentOne, {KindModule("tonemetry_kind10_ife", 0), KindModule("kind10_bps", 0)});
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
@@ -168,7 +176,7 @@ TEST(KindNames, OneClassServesBothNamesWithInstancesOfTheirOwn)
 TEST(KindSharing, EqualEntriesShareAnInstanceOrABlockButListsOfScalarsAreCopied)
 {
     // Equal modules in two modes are one entry group: one instance for both.
-    ModuleTestSetManager same;
+    KindSetManagerNoLink same;
     std::vector<uint8_t> image =
         KindImage(moduletest::AlignmentOne, {KindModule("kind10_bps", 0), KindModule("kind10_bps", 1)});
     ASSERT_TRUE(same.LoadBinaryParameters(image.data(), image.size()));
@@ -179,7 +187,7 @@ TEST(KindSharing, EqualEntriesShareAnInstanceOrABlockButListsOfScalarsAreCopied)
     // Modules that differ but hold equal lists: the list of records is shared, each record has
     // its own copy of a list of scalars.
     DataBuilder          other = KindData(0x5EED5EED);
-    ModuleTestSetManager differ;
+    KindSetManagerNoLink differ;
     image = KindImage(moduletest::AlignmentOne, {KindModule("kind10_bps", 0), KindModule("kind10_bps", 1, other)});
     ASSERT_TRUE(differ.LoadBinaryParameters(image.data(), image.size()));
     tonemetry_kind10Type* root  = differ.GetModule_kind10_bps(nullptr, 0, nullptr);
@@ -210,7 +218,7 @@ TEST(KindLoad, ACountThatTheDataCannotHoldFailsTheModuleWithoutAnAllocation)
     memcpy(image.data() + image.size() - 4, &check, sizeof(check));
 
     LogCapture           log;
-    ModuleTestSetManager manager;
+    KindSetManagerNoLink manager;
     manager.LoadBinaryParameters(image.data(), image.size());
     ParameterModule* broken = moduletest::Instance(manager, "kind10_bps");
     ASSERT_NE(nullptr, broken);
@@ -225,7 +233,7 @@ TEST(KindLoad, ACountThatTheDataCannotHoldFailsTheModuleWithoutAnAllocation)
 TEST(KindEnums, ANestedEnumIsNamedWithItsRecordsWhenItRefusesAValue)
 {
     LogCapture           log;
-    ModuleTestSetManager manager;
+    KindSetManagerNoLink manager;
     std::vector<uint8_t> image =
         KindImage(moduletest::AlignmentOne, {KindModule("kind10_bps", 0, KindData(U32Marker, 5))});
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size()));
@@ -240,7 +248,7 @@ TEST(KindFileMode, AnIdWhoseTopByteCountsChangesStillFindsTheModulesEntry)
 {
     moduletest::TempFile file("kind");
     file.Store(KindImage(moduletest::AlignmentOne, {KindModule("kind10_bps", 0)}));
-    ModuleTestSetManager manager;
+    KindSetManagerNoLink manager;
     ASSERT_TRUE(manager.LoadBinaryParameters(file.Path().c_str()));
     ParameterModule*      module = moduletest::Instance(manager, "kind10_bps");
     tonemetry_kind10Type* record = manager.GetModule_kind10_bps(nullptr, 0, nullptr);
@@ -280,7 +288,7 @@ protected:
         return m_module->GetValue(path, value, sizeof(value)) ? std::string(value) : std::string("<false>");
     }
 
-    ModuleTestSetManager  m_manager;
+    KindSetManagerNoLink  m_manager;
     tonemetry_kind10Type* m_record = nullptr;
     ParameterModule*      m_module = nullptr;
 };

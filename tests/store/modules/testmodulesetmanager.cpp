@@ -39,9 +39,13 @@ Record* RecordOf(ParameterModule* module)
 }
 } // namespace
 
-TestModuleSetManager::TestModuleSetManager()
+TestModuleSetManager::TestModuleSetManager(bool withTuningLink)
 {
     UseGeneratedSettings();
+    if (withTuningLink)
+    {
+        CreateTuningWorker();
+    }
     AddModule(NewDefaultInstance<orvotestconfig::TestConfigTypeClass>("testconfigdata"));
     AddModule(NewDefaultInstance<demo_1_0_0::tonemetry_demo10TypeClass>("demo10_bps"));
     AddModule(NewDefaultInstance<demo_1_0_0::tonemetry_demo10TypeClass>("demo10_ife"));
@@ -51,6 +55,7 @@ TestModuleSetManager::TestModuleSetManager()
 TestModuleSetManager::~TestModuleSetManager()
 {
     PARAMETER_LOG_DEBUG(this, "TestModuleSetManager deleting\n");
+    StopTuningWorker();
     DeleteDefaultModules();
 }
 
@@ -71,7 +76,11 @@ void TestModuleSetManager::SaveAndClearModules()
 
 bool TestModuleSetManager::UpdateBinaryParameters(unsigned char* buffer, unsigned long size)
 {
-    return UpdateFromBuffer(buffer, size, []() -> ParameterSetManager* { return new TestModuleSetManager(); });
+    // The update is made as this manager was: with a live tuning link when this one has one.
+    ParameterSetManager* (*create)() = (nullptr == m_tuningWorker)
+                                           ? []() -> ParameterSetManager* { return new TestModuleSetManager(); }
+                                           : []() -> ParameterSetManager* { return new TestModuleSetManager(true); };
+    return UpdateFromBuffer(buffer, size, create);
 }
 
 orvotestconfig::TestConfigType* TestModuleSetManager::GetModule_testconfigdata(

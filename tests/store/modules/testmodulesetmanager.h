@@ -10,7 +10,9 @@
 class TestModuleSetManager : public ParameterSetManager
 {
 public:
-    TestModuleSetManager();
+    /// With `withTuningLink` the manager has a live tuning link, as a generated tuning manager
+    /// has, which a load starts unless m_tuningEnabled is cleared first.
+    explicit TestModuleSetManager(bool withTuningLink = false);
     ~TestModuleSetManager() override;
 
     void           AddModule(ParameterModule* module);
