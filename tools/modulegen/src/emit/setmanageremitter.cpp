@@ -81,6 +81,11 @@ void EmitSetManagerSource(CodeWriter& out, const SetManager& manager)
     out.Line(klass + "::" + klass + "()");
     out.Open();
     out.Line("UseGeneratedSettings();");
+    const bool tuning = Flavour::Tuning == manager.flavour;
+    if (tuning)
+    {
+        out.Line("CreateTuningWorker();");
+    }
     for (const Registration& registration : manager.registrations)
     {
         out.Line("AddModule(new " + ClassType(registration) + "(" + Quoted(registration.name) + "));");
@@ -91,6 +96,11 @@ void EmitSetManagerSource(CodeWriter& out, const SetManager& manager)
     out.Line(klass + "::~" + klass + "()");
     out.Open();
     out.Line("PARAMETER_LOG_DEBUG(this, \"" + klass + " deleting\\n\");");
+    if (tuning)
+    {
+        out.Line("// The live tuning link serves through the modules deleted below: it stops first.");
+        out.Line("StopTuningWorker();");
+    }
     out.Line("DeleteDefaultModules();");
     out.Close();
     out.Line();
