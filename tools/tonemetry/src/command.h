@@ -16,6 +16,12 @@ enum ExitStatus
 /// `pack SOURCE.json -o FILE [--version X.Y.Z] [--schemas DIR]`. When the subcommand runs, its
 /// exit status goes to `*status`.
 void AddPackCommand(CLI::App& app, int* status);
+/// `serve FILE [--buffer]`: loads FILE into a TuningSetManager, prints "listening on port N" and
+/// serves the live tuning link until SIGINT or SIGTERM.
+void AddServeCommand(CLI::App& app, int* status);
+/// `live [--host H] [--port P] [--timeout S] [--json] COMMAND ...`: one request to a live tuning
+/// link and its reply; 1 when no reply comes in time.
+void AddLiveCommand(CLI::App& app, int* status);
 } // namespace tonemetry
 
 #endif // TONEMETRY_COMMAND_H

@@ -10,6 +10,8 @@ int main(int argc, char** argv)
     app.require_subcommand(1);
     int status = tonemetry::ExitSuccess;
     tonemetry::AddPackCommand(app, &status);
+    tonemetry::AddServeCommand(app, &status);
+    tonemetry::AddLiveCommand(app, &status);
     try
     {
         app.parse(argc, argv);
