@@ -18,9 +18,9 @@
 #include <thread>
 #include <vector>
 
+#include "g_storetest/testmodulesetmanager.h"
 #include "linkclient.h"
 #include "orvolog.h"
-#include "testmodulesetmanager.h"
 #include "tuningfile/writer.h"
 
 namespace
@@ -53,7 +53,7 @@ tuningfile::Module DemoModule(const std::string& name, uint32_t modeId, float ga
 class LinkServer
 {
 public:
-    LinkServer() : m_manager(true)
+    LinkServer()
     {
         Orvo::Log::LoadLogSettings(0);
         tuningfile::TuningFileModel model;

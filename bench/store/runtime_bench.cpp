@@ -1,7 +1,7 @@
 // The parameter store's run time: GetModule along a branch four levels deep, in buffer mode and
 // in file mode with its modes loaded; a cold load of one mode of 20 modules from the file; and
-// a value read as text. Modules are the hand-written ones of the generated pattern; the log
-// gate is closed as on a device, and debug logging is off as in generated managers.
+// a value read as text. Modules are the store tests' generated ones; the log gate is closed as
+// on a device, and debug logging is off as in generated managers.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "demo_1_0_0.h"
+#include "g_storetest/demo_1_0_0.h"
 #include "orvolog.h"
 #include "parametersetmanager.h"
 #include "tuningfile/writer.h"

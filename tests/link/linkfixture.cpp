@@ -45,7 +45,7 @@ tuningfile::TuningFileModel DemoModel(const std::string& binaryTag)
 
 void LinkTest::StartLink(const LinkOptions& options)
 {
-    m_manager                 = std::make_unique<TestModuleSetManager>(true);
+    m_manager                 = std::make_unique<TestModuleSetManager>();
     m_manager->m_logDebug     = true;
     Worker().m_pCustomHandler = options.handler;
     ASSERT_TRUE(storetest::LoadImage(*m_manager, storetest::Written(DemoModel(options.tag)), options.fileMode, m_file))

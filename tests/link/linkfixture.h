@@ -12,11 +12,11 @@
 #include <string>
 #include <thread>
 
+#include "g_storetest/testmodulesetmanager.h"
 #include "linkclient.h"
 #include "logcapture.h"
 #include "parameterravlenworker.h"
 #include "storefiles.h"
-#include "testmodulesetmanager.h"
 
 namespace linktest
 {

@@ -98,16 +98,13 @@ TEST_F(LinkLifecycle, ATakenPortMovesTheLinkToTheNextFreeOne)
 
 TEST_F(LinkLifecycle, OnlyALoadStartsTheLinkAndOnlyWhenEnabled)
 {
-    for (bool withLink : {false, true})
-    {
-        TestModuleSetManager manager(withLink);
-        manager.m_logDebug      = true;
-        manager.m_tuningEnabled = false;
-        EXPECT_EQ(0, manager.GetTuningLinkPort()) << "nothing listens before a load";
-        std::vector<uint8_t> image = storetest::Written(linktest::DemoModel("quiet"));
-        ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size()));
-        EXPECT_EQ(0, manager.GetTuningLinkPort());
-    }
+    TestModuleSetManager manager;
+    manager.m_logDebug      = true;
+    manager.m_tuningEnabled = false;
+    EXPECT_EQ(0, manager.GetTuningLinkPort()) << "nothing listens before a load";
+    std::vector<uint8_t> image = storetest::Written(linktest::DemoModel("quiet"));
+    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size()));
+    EXPECT_EQ(0, manager.GetTuningLinkPort());
     EXPECT_EQ(0u, m_log.Count("Starting Ravlen server"));
 }
 

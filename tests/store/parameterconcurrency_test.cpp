@@ -28,6 +28,7 @@ using storetest::BpsGain;
 using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
+using storetest::NoLinkSetManager;
 using storetest::TempFile;
 using testsupport::LogCapture;
 using tuningfile::TuningFileModel;
@@ -120,7 +121,7 @@ protected:
     Watchdog             m_watchdog;
     LogCapture           m_log;
     TempFile             m_file{"concurrency"};
-    TestModuleSetManager m_manager;
+    NoLinkSetManager m_manager;
 };
 
 // Each round changes the file and unloads the use cases, then lets four readers ask at once:

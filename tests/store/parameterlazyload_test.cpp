@@ -16,6 +16,7 @@ using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
 using storetest::ModuleOf;
+using storetest::NoLinkSetManager;
 using storetest::TempFile;
 using testsupport::LogCapture;
 using tuningfile::TuningFileModel;
@@ -81,7 +82,7 @@ protected:
 
     LogCapture           m_log;
     TempFile             m_file{"lazy"};
-    TestModuleSetManager m_manager;
+    NoLinkSetManager m_manager;
 };
 
 TEST_F(StoreLazyLoad, AModeLoadsWhenABranchFirstAsksForIt)
@@ -137,7 +138,7 @@ TEST_F(StoreLazyLoad, UnloadingTakesTheDeepestModeAndLeavesPinnedOnes)
 
 TEST_F(StoreLazyLoad, BufferModeRefusesToLoadOrUnloadModes)
 {
-    TestModuleSetManager buffered;
+    NoLinkSetManager buffered;
     std::vector<uint8_t> image = storetest::Written(UsecasesModel());
     ASSERT_TRUE(buffered.LoadBinaryParameters(image.data(), image.size()));
     const std::vector<TuningMode> first = Usecase(1);
@@ -147,7 +148,7 @@ TEST_F(StoreLazyLoad, BufferModeRefusesToLoadOrUnloadModes)
     EXPECT_STREQ("UnloadMode is not valid in buffer mode", buffered.m_errorText);
     EXPECT_TRUE(buffered.GetModeEntry(2u)->m_modules["demo10_bps"].module->Loaded);
 
-    TestModuleSetManager empty;
+    NoLinkSetManager empty;
     EXPECT_FALSE(empty.LoadMode(first.data(), 2, "demo10_bps"));
     EXPECT_STREQ("LoadMode called with no binary file loaded", empty.m_errorText);
     EXPECT_FALSE(empty.UnloadMode(first.data(), 2));

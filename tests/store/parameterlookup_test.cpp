@@ -15,6 +15,7 @@ using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
 using storetest::ModuleOf;
+using storetest::NoLinkSetManager;
 using storetest::TempFile;
 using testsupport::LogCapture;
 using tuningfile::TuningFileModel;
@@ -58,7 +59,7 @@ protected:
 
     LogCapture           m_log;
     TempFile             m_file{"lookup"};
-    TestModuleSetManager m_manager;
+    NoLinkSetManager m_manager;
 };
 
 TEST_P(StoreLookup, TheDeepestModeThatHoldsTheNameWins)

@@ -16,6 +16,7 @@ using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
 using storetest::ModuleOf;
+using storetest::NoLinkSetManager;
 using storetest::TempFile;
 using testsupport::LogCapture;
 using tuningfile::TuningFileModel;
@@ -70,7 +71,7 @@ protected:
 
     LogCapture           m_log;
     TempFile             m_file{"replacement"};
-    TestModuleSetManager m_manager;
+    NoLinkSetManager m_manager;
 };
 
 TEST_F(StoreReplacement, AChangedFileIsReloadedAndHeldRecordsStayUntilTheNextReload)
@@ -120,7 +121,7 @@ TEST_F(StoreReplacement, ExplicitReloads)
     EXPECT_FALSE(m_manager.ReloadBinaryParameters(false));
     EXPECT_STREQ("ReloadBinaryParameters called with empty file name", m_manager.m_errorText);
 
-    TestModuleSetManager fileManager;
+    NoLinkSetManager fileManager;
     ASSERT_TRUE(storetest::LoadImage(fileManager, storetest::Written(SwapModel(1.0f, 2.0f, 3.0f)), true, m_file));
     DemoRecord* held = fileManager.GetModule_demo10_bps(Video.data(), 2, nullptr);
     ASSERT_TRUE(fileManager.ReloadBinaryParameters(true));
@@ -132,7 +133,7 @@ TEST_F(StoreReplacement, ExplicitReloads)
     EXPECT_FALSE(fileManager.ReloadBinaryParameters(true));
 
     // A reload that fails leaves no tree.
-    TestModuleSetManager lostFile;
+    NoLinkSetManager lostFile;
     TempFile             gone("gone");
     ASSERT_TRUE(storetest::LoadImage(lostFile, storetest::Written(SwapModel(1.0f, 2.0f, 3.0f)), true, gone));
     unlink(gone.Path().c_str());
@@ -166,7 +167,7 @@ TEST_F(StoreReplacement, AnUpdateSwapsInTheModulesOfABuffer)
     EXPECT_EQ(2u, m_manager.m_updateSetManagers.size());
     EXPECT_FALSE(m_manager.UpdateParameters(nullptr));
 
-    TestModuleSetManager unloaded;
+    NoLinkSetManager unloaded;
     EXPECT_FALSE(unloaded.UpdateBinaryParameters(damaged.data(), damaged.size()));
     EXPECT_STREQ("UpdateBinaryParameters failed, original parameter load is invalid", unloaded.m_errorText);
 }

@@ -18,6 +18,7 @@ using storetest::DemoRecord;
 using storetest::MakeMode;
 using storetest::MakeModule;
 using storetest::ModuleOf;
+using storetest::NoLinkSetManager;
 using storetest::TempFile;
 using testsupport::LogCapture;
 using tuningfile::TuningFileModel;
@@ -68,7 +69,7 @@ protected:
 
     LogCapture           m_log;
     TempFile             m_file{"text"};
-    TestModuleSetManager m_manager;
+    NoLinkSetManager m_manager;
 };
 
 TEST_F(StoreTextAccess, ValuesByNames)
@@ -194,7 +195,7 @@ TEST_F(StoreTextAccess, EditsChangeTheRecordAndCountTheChange)
 
 TEST_F(StoreTextAccess, FileModeEditsPinTheirModeAndTextAccessKeepsItsReferences)
 {
-    TestModuleSetManager manager;
+    NoLinkSetManager manager;
     ASSERT_TRUE(storetest::LoadImage(manager, storetest::Written(TextModel()), true, m_file));
     char out[64] = "";
     EXPECT_TRUE(manager.GetValue(Video.data(), 2, "demo10_bps", "gain", out, sizeof(out)));

@@ -6,13 +6,21 @@
 #include <utility>
 #include <vector>
 
+#include "g_storetest/testmodulesetmanager.h"
 #include "storefiles.h"
-#include "testmodulesetmanager.h"
 
 namespace storetest
 {
 using DemoRecord = demo_1_0_0::tonemetry_demo10Type;
 using DemoClass  = demo_1_0_0::tonemetry_demo10TypeClass;
+
+/// The generated tuning manager with its live tuning link switched off: the store's tests load
+/// files and must not race the link tests for the link's port.
+class NoLinkSetManager : public TestModuleSetManager
+{
+public:
+    NoLinkSetManager() { m_tuningEnabled = false; }
+};
 
 /// A mode branch from (mode, sub-mode) pairs.
 std::vector<TuningMode> Branch(std::initializer_list<std::pair<uint32_t, uint16_t>> elements);

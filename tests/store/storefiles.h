@@ -42,7 +42,7 @@ tuningfile::Mode   MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId,
 tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data,
                               const tuningfile::Version& version = {3, 4, 0});
 
-/// The members of the hand-written modules' top records (tests/store/modules), in load order.
+/// The members of the test modules' top records (tests/store/schemas), in load order.
 struct DemoRegion
 {
     float    luxStart = 0.0f;
