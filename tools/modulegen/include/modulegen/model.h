@@ -142,6 +142,7 @@ struct ModuleInfo
     Version                  version;
     std::vector<std::string> names;      ///< registered names, in registration order
     std::string              setManager; ///< class name of its set manager
+    std::string              pending;    ///< what of its records is still to be supplied; empty when complete
     std::string              jsonPath;
 };
 

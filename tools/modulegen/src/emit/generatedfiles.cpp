@@ -39,9 +39,15 @@ std::string SummaryOf(const Schema& schema)
     {
         names += (names.empty() ? "\"" : ", \"") + name + "\"";
     }
-    return std::string(schema.flavour == Flavour::Tuning ? "Tuning" : "Plain") + " module " + schema.module->topName +
-           " " + schema.module->version.ToString() + " of " + schema.module->setManager + ", registered as " + names +
-           ".";
+    std::string summary = std::string(schema.flavour == Flavour::Tuning ? "Tuning" : "Plain") + " module " +
+                          schema.module->topName + " " + schema.module->version.ToString() + " of " +
+                          schema.module->setManager + ", registered as " + names + ".";
+    if (!schema.module->pending.empty())
+    {
+        // Said in every generated file, so that a reader of the records knows they are not all.
+        summary += "\n// Still to be supplied: " + schema.module->pending + ".";
+    }
+    return summary;
 }
 
 GeneratedFile SchemaHeader(const Schema& schema)

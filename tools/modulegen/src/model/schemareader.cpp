@@ -195,7 +195,7 @@ private:
             Error(path, "must be an object, not " + TypeNameOf(value));
             return;
         }
-        CheckKeys(value, path, {"top", "version", "names", "setManager"});
+        CheckKeys(value, path, {"top", "version", "names", "setManager", "pending"});
         ModuleInfo module;
         module.jsonPath = path;
         ReadText(value, "top", path, true, &module.topName);
@@ -224,6 +224,10 @@ private:
             }
         }
         ReadText(value, "setManager", path, false, &module.setManager);
+        if (ReadText(value, "pending", path, false, &module.pending) && module.pending.empty())
+        {
+            Error(JsonChild(path, "pending"), "says what is still to be supplied; a complete module leaves it out");
+        }
         AddStandardStructs(schema, module.topName);
         schema->module = std::move(module);
     }
