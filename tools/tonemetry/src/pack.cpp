@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "command.h"
-#include "jsonfile.h"
+#include "modulegen/jsonfile.h"
 #include "packsource.h"
 #include "schemacatalogue.h"
 #include "tuningfile/writer.h"

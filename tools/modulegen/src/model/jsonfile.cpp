@@ -1,4 +1,4 @@
-#include "jsonfile.h"
+#include "modulegen/jsonfile.h"
 
 #include <fstream>
 #include <set>

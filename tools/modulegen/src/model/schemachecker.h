@@ -2,7 +2,7 @@
 #ifndef MODULEGEN_SCHEMACHECKER_H
 #define MODULEGEN_SCHEMACHECKER_H
 
-#include "diagnosticsink.h"
+#include "modulegen/diagnosticsink.h"
 #include "modulegen/model.h"
 
 namespace modulegen

@@ -5,8 +5,8 @@
 #include <map>
 #include <system_error>
 
-#include "diagnosticsink.h"
-#include "jsonfile.h"
+#include "modulegen/diagnosticsink.h"
+#include "modulegen/jsonfile.h"
 #include "schemachecker.h"
 #include "schemareader.h"
 #include "typeresolver.h"

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "diagnosticsink.h"
+#include "modulegen/diagnosticsink.h"
 #include "modulegen/model.h"
 #include "modulegen/schemaloader.h"
 

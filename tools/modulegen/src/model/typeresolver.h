@@ -2,7 +2,7 @@
 #ifndef MODULEGEN_TYPERESOLVER_H
 #define MODULEGEN_TYPERESOLVER_H
 
-#include "diagnosticsink.h"
+#include "modulegen/diagnosticsink.h"
 #include "modulegen/model.h"
 
 namespace modulegen

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "diagnosticsink.h"
+#include "modulegen/diagnosticsink.h"
 
 namespace modulegen
 {
