@@ -14,6 +14,10 @@ namespace modulegen
 /// A key given twice in one object is refused, as the later one would silently win.
 bool ReadJsonFile(const std::string& path, const std::string& displayPath, nlohmann::ordered_json* out,
                   DiagnosticSink& sink);
+
+/// The kind of a JSON value as error messages name it: "an object", "an array", "a string",
+/// "a number", "a boolean" or "null".
+std::string JsonKindName(const nlohmann::ordered_json& value);
 } // namespace modulegen
 
 #endif // MODULEGEN_JSONFILE_H

@@ -114,4 +114,28 @@ bool ReadJsonFile(const std::string& path, const std::string& displayPath, nlohm
     }
     return sink.Count() == before;
 }
+std::string JsonKindName(const nlohmann::ordered_json& value)
+{
+    if (value.is_object())
+    {
+        return "an object";
+    }
+    if (value.is_array())
+    {
+        return "an array";
+    }
+    if (value.is_string())
+    {
+        return "a string";
+    }
+    if (value.is_number())
+    {
+        return "a number";
+    }
+    if (value.is_boolean())
+    {
+        return "a boolean";
+    }
+    return "null";
+}
 } // namespace modulegen

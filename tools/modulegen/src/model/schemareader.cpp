@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "memberdeclaration.h"
+#include "modulegen/jsonfile.h"
 #include "names.h"
 
 namespace modulegen
@@ -14,30 +15,6 @@ using Json = nlohmann::ordered_json;
 const char* const ModuleVersionStruct    = "module_versionStruct";
 const char* const ParameterVersionStruct = "parameter_versionStruct";
 
-std::string TypeNameOf(const Json& value)
-{
-    if (value.is_object())
-    {
-        return "an object";
-    }
-    if (value.is_array())
-    {
-        return "an array";
-    }
-    if (value.is_string())
-    {
-        return "a string";
-    }
-    if (value.is_number())
-    {
-        return "a number";
-    }
-    if (value.is_boolean())
-    {
-        return "a boolean";
-    }
-    return "null";
-}
 
 /// Reads the parts of one file. Every refusal is reported with the JSON pointer of the value it
 /// concerns, and reading goes on where it can, so that one run shows all problems of a file.
@@ -50,7 +27,7 @@ public:
     {
         if (!document.is_object())
         {
-            Error("", "a schema file holds one JSON object, not " + TypeNameOf(document));
+            Error("", "a schema file holds one JSON object, not " + JsonKindName(document));
             return;
         }
         if (document.contains("setManager"))
@@ -96,7 +73,7 @@ private:
         const Json& value = object[key];
         if (!value.is_string())
         {
-            Error(JsonChild(path, key), "must be a string, not " + TypeNameOf(value));
+            Error(JsonChild(path, key), "must be a string, not " + JsonKindName(value));
             return false;
         }
         *out = value.get<std::string>();
@@ -113,14 +90,14 @@ private:
         const std::string listPath = JsonChild(path, key);
         if (!list.is_array())
         {
-            Error(listPath, "must be an array of strings, not " + TypeNameOf(list));
+            Error(listPath, "must be an array of strings, not " + JsonKindName(list));
             return;
         }
         for (size_t index = 0; index < list.size(); ++index)
         {
             if (!list[index].is_string())
             {
-                Error(JsonChild(listPath, index), "must be a string, not " + TypeNameOf(list[index]));
+                Error(JsonChild(listPath, index), "must be a string, not " + JsonKindName(list[index]));
                 continue;
             }
             out->push_back(list[index].get<std::string>());
@@ -192,7 +169,7 @@ private:
     {
         if (!value.is_object())
         {
-            Error(path, "must be an object, not " + TypeNameOf(value));
+            Error(path, "must be an object, not " + JsonKindName(value));
             return;
         }
         CheckKeys(value, path, {"top", "version", "names", "setManager", "pending"});
@@ -243,7 +220,7 @@ private:
         const std::string enumsPath = JsonChild(path, "enums");
         if (!enums.is_object())
         {
-            Error(enumsPath, "must be an object of enums, not " + TypeNameOf(enums));
+            Error(enumsPath, "must be an object of enums, not " + JsonKindName(enums));
             return;
         }
         for (const auto& item : enums.items())
@@ -269,7 +246,7 @@ private:
             {
                 if (!value[index].is_string())
                 {
-                    Error(JsonChild(path, index), "must be an enumerator name, not " + TypeNameOf(value[index]));
+                    Error(JsonChild(path, index), "must be an enumerator name, not " + JsonKindName(value[index]));
                     continue;
                 }
                 AddEnumerator(declared, value[index].get<std::string>(), static_cast<uint32_t>(index),
@@ -292,7 +269,7 @@ private:
         }
         else
         {
-            Error(path, "an enum is an array of names or an object of names and values, not " + TypeNameOf(value));
+            Error(path, "an enum is an array of names or an object of names and values, not " + JsonKindName(value));
             return;
         }
         if (declared->enumerators.empty())
@@ -329,7 +306,7 @@ private:
         const std::string recordsPath = JsonChild(path, "records");
         if (!records.is_object())
         {
-            Error(recordsPath, "must be an object of records, not " + TypeNameOf(records));
+            Error(recordsPath, "must be an object of records, not " + JsonKindName(records));
             return;
         }
         for (const auto& item : records.items())
@@ -362,7 +339,7 @@ private:
             }
             else if (!value["members"].is_array())
             {
-                Error(JsonChild(path, "members"), "must be an array of members, not " + TypeNameOf(value["members"]));
+                Error(JsonChild(path, "members"), "must be an array of members, not " + JsonKindName(value["members"]));
             }
             else
             {
@@ -373,7 +350,7 @@ private:
         }
         else
         {
-            Error(path, "a record is an array of members or an object with \"members\", not " + TypeNameOf(value));
+            Error(path, "a record is an array of members or an object with \"members\", not " + JsonKindName(value));
         }
         return record;
     }
@@ -390,7 +367,7 @@ private:
             if (!members[index].is_string())
             {
                 Error(memberPath,
-                      "a member is a string \"[repeated|optional] Type name[N]\", not " + TypeNameOf(members[index]));
+                      "a member is a string \"[repeated|optional] Type name[N]\", not " + JsonKindName(members[index]));
                 continue;
             }
             MemberDeclaration declaration;

@@ -1,5 +1,6 @@
 #include "recordencoder.h"
 
+#include "modulegen/jsonfile.h"
 #include "scalarvalue.h"
 
 namespace tuningencoder
@@ -9,27 +10,6 @@ namespace
 using modulegen::ElementKind;
 using modulegen::Shape;
 using tuningfile::DataBuilder;
-
-std::string Describe(const Json& value)
-{
-    if (value.is_object())
-    {
-        return "an object";
-    }
-    if (value.is_array())
-    {
-        return "an array";
-    }
-    if (value.is_string())
-    {
-        return "a string";
-    }
-    if (value.is_boolean())
-    {
-        return "a boolean";
-    }
-    return value.is_null() ? "null" : "a number";
-}
 
 void AppendScalar(unsigned width, uint64_t bits, DataBuilder* out)
 {
@@ -88,7 +68,7 @@ void RecordEncoder::Record(const modulegen::Record& record, const Json* values, 
 {
     if ((nullptr != values) && !values->is_object())
     {
-        Fail(path, "expected an object of the members of " + record.ScopedName() + ", not " + Describe(*values));
+        Fail(path, "expected an object of the members of " + record.ScopedName() + ", not " + modulegen::JsonKindName(*values));
         values = nullptr;
     }
     if (nullptr != values)
@@ -164,7 +144,7 @@ void RecordEncoder::FixedArray(const modulegen::Member& member, const Json* valu
     if (!usable)
     {
         Fail(path, "expected an array of " + std::to_string(member.arraySize) + " elements, not " +
-                       (value->is_array() ? "one of " + std::to_string(value->size()) : Describe(*value)));
+                       (value->is_array() ? "one of " + std::to_string(value->size()) : modulegen::JsonKindName(*value)));
     }
     for (uint32_t index = 0; index < member.arraySize; ++index)
     {
@@ -178,7 +158,7 @@ void RecordEncoder::Repeated(const modulegen::Member& member, const Json* value,
 {
     if ((nullptr != value) && !value->is_array())
     {
-        Fail(path, "expected an array, not " + Describe(*value));
+        Fail(path, "expected an array, not " + modulegen::JsonKindName(*value));
         value = nullptr;
     }
     if (member.kind == ElementKind::Scalar)
@@ -229,7 +209,7 @@ void RecordEncoder::Element(const modulegen::Member& member, const Json* value, 
     case ElementKind::String:
         if ((nullptr != value) && !value->is_string())
         {
-            Fail(path, "expected a string, not " + Describe(*value));
+            Fail(path, "expected a string, not " + modulegen::JsonKindName(*value));
         }
         out->String(((nullptr != value) && value->is_string()) ? value->get<std::string>() : std::string());
         break;
@@ -281,7 +261,7 @@ void RecordEncoder::ScalarElements(const modulegen::Member& member, const Json& 
 {
     if (!value.is_array())
     {
-        Fail(path, "expected an array, not " + Describe(value));
+        Fail(path, "expected an array, not " + modulegen::JsonKindName(value));
         return;
     }
     if ((expectedCount != 0) && (value.size() != expectedCount))
