@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -11,6 +7,7 @@
 #include "logcapture.h"
 #include "orvomem.h"
 #include "parameterbinaryfile.h"
+#include "tempfile.h"
 
 namespace
 {
@@ -40,39 +37,24 @@ std::vector<unsigned char> Stamped(std::vector<unsigned char> payload)
 class ParameterBinaryFileTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        const testing::TestInfo* info = testing::UnitTest::GetInstance()->current_test_info();
-        m_path = testing::TempDir() + "store_binaryfile_" + info->name() + "_" + std::to_string(getpid()) + ".bin";
-    }
-    void TearDown() override { unlink(m_path.c_str()); }
-
-    void WriteFile(const std::vector<unsigned char>& bytes)
-    {
-        FILE* file = fopen(m_path.c_str(), "wb");
-        ASSERT_NE(nullptr, file);
-        ASSERT_EQ(bytes.size(), fwrite(bytes.data(), 1, bytes.size(), file));
-        fclose(file);
-    }
-
-    // Moves the file's modification time by `seconds` without touching its contents.
-    void ShiftModifiedTime(time_t seconds)
-    {
-        struct stat status;
-        ASSERT_EQ(0, stat(m_path.c_str(), &status));
-        struct timespec times[2] = {status.st_atim, status.st_mtim};
-        times[1].tv_sec += seconds;
-        ASSERT_EQ(0, utimensat(AT_FDCWD, m_path.c_str(), times, 0));
-    }
-
-    std::string m_path;
-    LogCapture  m_log;
+    storetest::TempFile m_file{std::string("binaryfile_") +
+                               testing::UnitTest::GetInstance()->current_test_info()->name()};
+    const std::string&  m_path = m_file.Path();
+    LogCapture          m_log;
 };
+
+TEST(ParameterBinaryFileImage, ValidatesAgainstItsLastFourBytes)
+{
+    std::vector<unsigned char> image = Stamped(std::vector<unsigned char>(1000, 0x5A));
+    EXPECT_TRUE(ParameterBinaryFile::ValidateCRC(image.data(), static_cast<unsigned int>(image.size()), nullptr));
+    image[500] ^= 0x10;
+    EXPECT_FALSE(ParameterBinaryFile::ValidateCRC(image.data(), static_cast<unsigned int>(image.size()), nullptr));
+}
 
 TEST_F(ParameterBinaryFileTest, OpensValidFileWithOneReference)
 {
     std::vector<unsigned char> image = Stamped(Bytes({1, 2, 3, 4, 5, 6, 7, 8}));
-    WriteFile(image);
+    m_file.Store(image);
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     EXPECT_TRUE(file.m_valid);
     EXPECT_TRUE(file.m_crcValid);
@@ -83,33 +65,23 @@ TEST_F(ParameterBinaryFileTest, OpensValidFileWithOneReference)
     EXPECT_STREQ(m_path.c_str(), file.m_path);
     EXPECT_NE(0, file.m_modifiedTime);
     EXPECT_EQ(0u, m_log.Count("[ERROR]"));
+    // Without validation the check value is not read.
+    EXPECT_FALSE(ParameterBinaryFile(m_path.c_str(), nullptr, false).m_crcValid);
 }
 
-TEST_F(ParameterBinaryFileTest, WithoutValidationTheCheckValueIsNotRead)
+TEST_F(ParameterBinaryFileTest, FourBytesAreTooFewToValidateAndFiveCheckTheirOneByte)
 {
-    WriteFile(Stamped(Bytes({1, 2, 3})));
-    ParameterBinaryFile file(m_path.c_str(), nullptr, false);
-    EXPECT_TRUE(file.m_valid);
-    EXPECT_FALSE(file.m_crcValid);
-}
-
-TEST_F(ParameterBinaryFileTest, FourByteFileIsTooSmallToValidate)
-{
-    WriteFile(Bytes({0, 0, 0, 0}));
-    ParameterBinaryFile file(m_path.c_str(), nullptr, true);
-    EXPECT_TRUE(file.m_valid);
-    EXPECT_FALSE(file.m_crcValid);
+    m_file.Store(Bytes({0, 0, 0, 0}));
+    ParameterBinaryFile tooSmall(m_path.c_str(), nullptr, true);
+    EXPECT_TRUE(tooSmall.m_valid);
+    EXPECT_FALSE(tooSmall.m_crcValid);
     EXPECT_EQ(1u, m_log.Count("Binary file CRC validation failed. Buffer too small\n"));
-}
-
-TEST_F(ParameterBinaryFileTest, FiveByteFileChecksItsOneByte)
-{
-    WriteFile(Stamped(Bytes({0x5A})));
-    EXPECT_TRUE(ParameterBinaryFile(m_path.c_str(), nullptr, true).m_crcValid);
 
     std::vector<unsigned char> image = Stamped(Bytes({0x5A}));
-    image[0]                         = 0x5B;
-    WriteFile(image);
+    m_file.Store(image);
+    EXPECT_TRUE(ParameterBinaryFile(m_path.c_str(), nullptr, true).m_crcValid);
+    image[0] = 0x5B;
+    m_file.Store(image);
     EXPECT_FALSE(ParameterBinaryFile(m_path.c_str(), nullptr, true).m_crcValid);
 }
 
@@ -120,7 +92,7 @@ TEST_F(ParameterBinaryFileTest, MismatchReportsStoredAndComputedValues)
     image[5] ^= 0xFF; // spoil the stored value's low byte
     uint32_t stored = static_cast<uint32_t>(image[5]) | (static_cast<uint32_t>(image[6]) << 8) |
                       (static_cast<uint32_t>(image[7]) << 16) | (static_cast<uint32_t>(image[8]) << 24);
-    WriteFile(image);
+    m_file.Store(image);
 
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     EXPECT_FALSE(file.m_crcValid);
@@ -162,7 +134,7 @@ TEST_F(ParameterBinaryFileTest, MissingFileIsReportedAndCountedAnyway)
 TEST_F(ParameterBinaryFileTest, ReadEndingAtTheLengthSucceedsAndOneMoreFailsWithoutFileAccess)
 {
     std::vector<unsigned char> image = Stamped(Bytes({10, 11, 12, 13, 14, 15, 16, 17}));
-    WriteFile(image);
+    m_file.Store(image);
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
 
     unsigned char head[2] = {};
@@ -187,7 +159,7 @@ TEST_F(ParameterBinaryFileTest, ReadEndingAtTheLengthSucceedsAndOneMoreFailsWith
 
 TEST_F(ParameterBinaryFileTest, ReadMovesThePositionByThePaddedCount)
 {
-    WriteFile(Stamped(std::vector<unsigned char>(40, 0x33)));
+    m_file.Store(Stamped(std::vector<unsigned char>(40, 0x33)));
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     unsigned char       value[5];
     unsigned int        pos = 0;
@@ -201,7 +173,7 @@ TEST_F(ParameterBinaryFileTest, ReadMovesThePositionByThePaddedCount)
 
 TEST_F(ParameterBinaryFileTest, ReadRefusesBadArgumentsInOrder)
 {
-    WriteFile(Stamped(Bytes({1, 2, 3, 4})));
+    m_file.Store(Stamped(Bytes({1, 2, 3, 4})));
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     unsigned char       byte;
     unsigned int        pos = 0;
@@ -221,7 +193,7 @@ TEST_F(ParameterBinaryFileTest, ReadRefusesBadArgumentsInOrder)
 TEST_F(ParameterBinaryFileTest, ReadIntoNewBufferCopiesTheBytes)
 {
     std::vector<unsigned char> image = Stamped(Bytes({1, 2, 3, 4, 5, 6}));
-    WriteFile(image);
+    m_file.Store(image);
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
 
     unsigned char* data = file.Read(2, 3);
@@ -234,9 +206,9 @@ TEST_F(ParameterBinaryFileTest, ReadIntoNewBufferCopiesTheBytes)
     EXPECT_EQ(1u, m_log.Count("attempted to read past the end of the file"));
 }
 
-TEST_F(ParameterBinaryFileTest, ReferencesCloseAtZeroAndReopen)
+TEST_F(ParameterBinaryFileTest, ReferencesCloseAtZeroReopenAndReportUnderflow)
 {
-    WriteFile(Stamped(Bytes({1, 2, 3})));
+    m_file.Store(Stamped(Bytes({1, 2, 3})));
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     EXPECT_EQ(1u, m_log.Count("FileReference Adjust: 1, RefCount: 0, opening the file\n")); // the constructor's
     m_log.Clear();
@@ -251,39 +223,32 @@ TEST_F(ParameterBinaryFileTest, ReferencesCloseAtZeroAndReopen)
     EXPECT_NE(nullptr, file.m_file);
     EXPECT_EQ(1u, m_log.Count("FileReference Adjust: 1, RefCount: 0, opening the file\n"));
     EXPECT_FALSE(file.m_modified);
-
     EXPECT_EQ(1, file.Reference(0));
     EXPECT_EQ(0u, m_log.Count("[ERROR]"));
-}
-
-TEST_F(ParameterBinaryFileTest, ReferenceBelowZeroOrWhileClosedIsReported)
-{
-    WriteFile(Stamped(Bytes({1, 2, 3})));
-    ParameterBinaryFile file(m_path.c_str(), nullptr, true);
 
     EXPECT_EQ(0, file.Reference(-3));
     EXPECT_EQ(1u, m_log.Count("FileReference Adjust: -3, RefCount: 1, File Reference is less than adjust amount\n"));
     EXPECT_EQ(nullptr, file.m_file);
-
     EXPECT_EQ(0, file.Reference(-1));
     EXPECT_EQ(1u, m_log.Count("FileReference Remove: -1, Ref Cnt: 0, Called when file was already closed\n"));
 }
 
-TEST_F(ParameterBinaryFileTest, ReopenDetectsAChangedModificationTime)
+// A changed modification time marks the file modified on reopen; reads then fail quietly until
+// a reload puts the object onto the new file.
+TEST_F(ParameterBinaryFileTest, ReopenDetectsAChangeAndReloadTakesTheNewFile)
 {
-    std::vector<unsigned char> image = Stamped(Bytes({1, 2, 3, 4}));
-    WriteFile(image);
+    m_file.Store(Stamped(Bytes({1, 2, 3, 4})));
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     file.Reference(-1);
-    ShiftModifiedTime(5);
+    std::vector<unsigned char> replacement = Stamped(Bytes({9, 9, 9, 9, 9, 9, 9, 9}));
+    m_file.Store(replacement);
+    m_file.ShiftModifiedTime(5);
 
     file.Reference(1);
     EXPECT_TRUE(file.m_modified);
     auto warnings = m_log.Matching("ParameterBinaryFile::Open, file modified, must reload\n");
     ASSERT_EQ(1u, warnings.size());
     EXPECT_EQ("W", warnings[0].levelLetter);
-
-    // From now on reads fail quietly, until a reload.
     m_log.Clear();
     unsigned char byte;
     unsigned int  pos = 0;
@@ -291,18 +256,6 @@ TEST_F(ParameterBinaryFileTest, ReopenDetectsAChangedModificationTime)
     EXPECT_EQ(nullptr, file.Read(0, 1));
     EXPECT_EQ(0u, pos);
     EXPECT_EQ(0u, m_log.Lines().size());
-}
-
-TEST_F(ParameterBinaryFileTest, ReloadPutsTheObjectOntoTheNewFile)
-{
-    WriteFile(Stamped(Bytes({1, 2, 3, 4})));
-    ParameterBinaryFile file(m_path.c_str(), nullptr, true);
-    file.Reference(-1);
-    std::vector<unsigned char> replacement = Stamped(Bytes({9, 9, 9, 9, 9, 9, 9, 9}));
-    WriteFile(replacement);
-    ShiftModifiedTime(5);
-    file.Reference(1);
-    ASSERT_TRUE(file.m_modified);
     file.Reference(-1);
 
     EXPECT_TRUE(file.Reload());
@@ -323,18 +276,14 @@ TEST_F(ParameterBinaryFileTest, ReloadPutsTheObjectOntoTheNewFile)
 // each of 4 attempts fails and the 3 between them reopen the file.
 TEST_F(ParameterBinaryFileTest, FailingDiskReadRetriesFourTimes)
 {
-    WriteFile(Stamped(std::vector<unsigned char>(60, 0x42)));
+    m_file.Store(Stamped(std::vector<unsigned char>(60, 0x42)));
     ParameterBinaryFile file(m_path.c_str(), nullptr, true);
     ASSERT_TRUE(file.m_crcValid);
     // A fresh stream, so that nothing of the file is buffered from the check of its CRC.
     file.Reference(-1);
     file.Reference(1);
 
-    struct stat status;
-    ASSERT_EQ(0, stat(m_path.c_str(), &status));
-    ASSERT_EQ(0, truncate(m_path.c_str(), 16));
-    struct timespec times[2] = {status.st_atim, status.st_mtim};
-    ASSERT_EQ(0, utimensat(AT_FDCWD, m_path.c_str(), times, 0));
+    m_file.StoreUnnoticed(std::vector<unsigned char>(16, 0x42));
 
     unsigned char buffer[32];
     unsigned int  pos = 8;
@@ -348,7 +297,7 @@ TEST_F(ParameterBinaryFileTest, FailingDiskReadRetriesFourTimes)
 
 TEST_F(ParameterBinaryFileTest, DestructorReportsOutstandingReferences)
 {
-    WriteFile(Stamped(Bytes({1})));
+    m_file.Store(Stamped(Bytes({1})));
     {
         ParameterBinaryFile file(m_path.c_str(), nullptr, true);
         file.Reference(2);

@@ -8,9 +8,7 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
-#include <cstdlib>
 #include <mutex>
 #include <set>
 #include <string>
@@ -19,6 +17,7 @@
 
 #include "logcapture.h"
 #include "runtimefixture.h"
+#include "watchdog.h"
 
 namespace
 {
@@ -35,39 +34,6 @@ using tuningfile::TuningFileModel;
 
 // Far longer than any of these tests takes, even under ThreadSanitizer.
 constexpr auto WatchdogTime = 120s;
-
-// Ends the whole run when a test outlives WatchdogTime: a deadlocked thread can be neither
-// joined nor cleaned up.
-class Watchdog
-{
-public:
-    Watchdog()
-        : m_thread([this] {
-              std::unique_lock<std::mutex> guard(m_mutex);
-              if (!m_finished.wait_for(guard, WatchdogTime, [this] { return m_done; }))
-              {
-                  fprintf(stderr, "hang in %s\n", testing::UnitTest::GetInstance()->current_test_info()->name());
-                  std::abort();
-              }
-          })
-    {
-    }
-    ~Watchdog()
-    {
-        {
-            std::lock_guard<std::mutex> guard(m_mutex);
-            m_done = true;
-        }
-        m_finished.notify_all();
-        m_thread.join();
-    }
-
-private:
-    std::mutex              m_mutex;
-    std::condition_variable m_finished;
-    bool                    m_done = false;
-    std::thread             m_thread;
-};
 
 constexpr uint16_t UsecaseCount = 8;
 
@@ -118,7 +84,7 @@ protected:
         Publish(m_file, 0);
     }
 
-    Watchdog             m_watchdog;
+    storetest::Watchdog  m_watchdog{WatchdogTime};
     LogCapture           m_log;
     TempFile             m_file{"concurrency"};
     NoLinkSetManager m_manager;

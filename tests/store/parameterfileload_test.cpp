@@ -14,6 +14,7 @@ namespace
 {
 using storetest::FindSection;
 using storetest::MakeMode;
+using storetest::ModeRecordAt;
 using storetest::MakeModule;
 using storetest::PutU32;
 using storetest::PutU64;
@@ -288,12 +289,6 @@ void PrintTo(const Damage& damage, std::ostream* stream)
 std::vector<uint8_t> CurrentImage()
 {
     return storetest::Written(GateModel({5, 0, 0}));
-}
-
-// Mode record `id` of a 5.0.0 file: id at +0, modeUnion +4, parentId +12, linkId +16, flags +20.
-size_t ModeRecordAt(const std::vector<uint8_t>& image, uint32_t id)
-{
-    return FindSection(image, ParameterSetManager::SectionModeTable).offset + 32 + id * 24u;
 }
 
 void PatchSectionSize(std::vector<uint8_t>& image, uint32_t type, uint32_t size)

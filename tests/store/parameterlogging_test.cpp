@@ -37,58 +37,47 @@ std::string PointerText(const void* pointer)
     return text;
 }
 
-TEST(ParameterLogging, NullLoggerLineCarriesPrefixFileLineAndText)
-{
-    LogCapture capture;
-    ParameterLogging::Write(nullptr, ParameterLogging::LogLevelError, "/src/store/parameterfile.cpp", 42,
-                            "value %d of %s\n", 7, "seven");
-    auto lines = capture.Lines();
-    ASSERT_EQ(1u, lines.size());
-    EXPECT_EQ("[ERROR] ParameterParser: parameterfile.cpp:42: value 7 of seven\n", lines[0].text);
-    EXPECT_EQ(0x1000u, lines[0].group);
-    EXPECT_EQ("E", lines[0].levelLetter);
-    EXPECT_EQ(1u, lines[0].level);
-}
-
+// Without a logger a line is prefix, file name, line and text; any level value but error and
+// warning is written as debug.
 TEST(ParameterLogging, LevelsMapToPrefixLetterAndSystemLevel)
 {
-    LogCapture capture;
-    ParameterLogging::Write(nullptr, ParameterLogging::LogLevelWarning, "w.cpp", 1, "w\n");
-    ParameterLogging::Write(nullptr, ParameterLogging::LogLevelDebug, "d.cpp", 2, "d\n");
-    ParameterLogging::Write(nullptr, static_cast<ParameterLogging::ParameterLogLevel>(9), "x.cpp", 3, "x\n");
-    auto lines = capture.Lines();
-    ASSERT_EQ(3u, lines.size());
-    EXPECT_EQ("[WARNING] ParameterParser: w.cpp:1: w\n", lines[0].text);
-    EXPECT_EQ("W", lines[0].levelLetter);
-    EXPECT_EQ(2u, lines[0].level);
-    EXPECT_EQ("[DEBUG] ParameterParser: d.cpp:2: d\n", lines[1].text);
-    EXPECT_EQ("D", lines[1].levelLetter);
-    EXPECT_EQ(0u, lines[1].level);
-    // Any other level value is written as debug.
-    EXPECT_EQ("[DEBUG] ParameterParser: x.cpp:3: x\n", lines[2].text);
-    EXPECT_EQ("D", lines[2].levelLetter);
+    struct Case
+    {
+        int         level;
+        std::string prefix;
+        std::string letter;
+        unsigned    systemLevel;
+    };
+    for (const Case& c : {Case{ParameterLogging::LogLevelError, "[ERROR]", "E", 1},
+                          Case{ParameterLogging::LogLevelWarning, "[WARNING]", "W", 2},
+                          Case{ParameterLogging::LogLevelDebug, "[DEBUG]", "D", 0}, Case{9, "[DEBUG]", "D", 0}})
+    {
+        LogCapture capture;
+        ParameterLogging::Write(nullptr, static_cast<ParameterLogging::ParameterLogLevel>(c.level),
+                                "/src/store/parameterfile.cpp", 42, "%d of %s\n", 7, "seven");
+        auto lines = capture.Lines();
+        ASSERT_EQ(1u, lines.size());
+        EXPECT_EQ(c.prefix + " ParameterParser: parameterfile.cpp:42: 7 of seven\n", lines[0].text);
+        EXPECT_EQ(0x1000u, lines[0].group);
+        EXPECT_EQ(c.letter, lines[0].levelLetter);
+        EXPECT_EQ(c.systemLevel, lines[0].level);
+    }
 }
 
-TEST(ParameterLogging, LoggerWithoutIdentifierIsNamedByAddress)
+// A logger is named by its address, and by its identifier too where it has one.
+TEST(ParameterLogging, LoggerIsNamedByAddressAndIdentifier)
 {
     LogCapture capture;
     FakeLogger logger;
     ParameterLogging::Write(&logger, ParameterLogging::LogLevelWarning, "a\\b\\mode.cpp", 5, "text\n");
-    auto lines = capture.Lines();
-    ASSERT_EQ(1u, lines.size());
-    EXPECT_EQ("[WARNING] ParameterParser: " + PointerText(&logger) + " mode.cpp:5: text\n", lines[0].text);
-}
-
-TEST(ParameterLogging, LoggerWithIdentifierIsNamedByAddressAndIdentifier)
-{
-    LogCapture capture;
-    FakeLogger logger;
-    logger.identifier = "ZVK Tonemetry Header";
+    logger.identifier      = "ZVK Tonemetry Header";
+    logger.identifierCalls = 0;
     ParameterLogging::Write(&logger, ParameterLogging::LogLevelError, "set.cpp", 77, "%u modules\n", 3u);
     auto lines = capture.Lines();
-    ASSERT_EQ(1u, lines.size());
+    ASSERT_EQ(2u, lines.size());
+    EXPECT_EQ("[WARNING] ParameterParser: " + PointerText(&logger) + " mode.cpp:5: text\n", lines[0].text);
     EXPECT_EQ("[ERROR] ParameterParser: " + PointerText(&logger) + " (ZVK Tonemetry Header): set.cpp:77: 3 modules\n",
-              lines[0].text);
+              lines[1].text);
     EXPECT_EQ(2, logger.identifierCalls); // once to test, once to print
 }
 

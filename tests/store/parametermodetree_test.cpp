@@ -10,8 +10,8 @@
 
 namespace
 {
-using storetest::FindSection;
 using storetest::MakeMode;
+using storetest::ModeRecordAt;
 using storetest::PutU32;
 using storetest::Restamp;
 using storetest::TempFile;
@@ -26,12 +26,6 @@ std::vector<uint8_t> ModesImage(const std::vector<Mode>& modes)
     TuningFileModel model;
     model.modes = modes;
     return storetest::Written(model);
-}
-
-// Mode record `id` of a 5.0.0 file: id +0, modeUnion +4, parentId +12, linkId +16, flags +20.
-size_t ModeRecordAt(const std::vector<uint8_t>& image, uint32_t id)
-{
-    return FindSection(image, ParameterSetManager::SectionModeTable).offset + 32 + id * 24u;
 }
 
 TuningMode Selector(uint32_t mode, uint16_t subMode)

@@ -2,9 +2,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <condition_variable>
 #include <future>
 #include <mutex>
 #include <optional>
@@ -13,10 +10,12 @@
 
 #include "logcapture.h"
 #include "parametermutex.h"
+#include "watchdog.h"
 
 namespace
 {
 using namespace std::chrono_literals;
+using storetest::Watchdog;
 
 // Long enough for a thread that is free to go to get there; a blocked one never does.
 constexpr auto SettleTime = 100ms;
@@ -24,39 +23,6 @@ constexpr auto SettleTime = 100ms;
 constexpr auto DeadlockTime = 10s;
 // A whole test that takes this long has a deadlocked thread in it.
 constexpr auto WatchdogTime = 3 * DeadlockTime;
-
-// Stops the whole run with a message when a test outlives WatchdogTime: a deadlocked thread
-// can be neither joined nor cleaned up, and a hang would cost the suite's whole time-out.
-class Watchdog
-{
-public:
-    Watchdog()
-        : m_thread([this] {
-              std::unique_lock<std::mutex> guard(m_mutex);
-              if (!m_finished.wait_for(guard, WatchdogTime, [this] { return m_done; }))
-              {
-                  fprintf(stderr, "deadlock in %s\n", testing::UnitTest::GetInstance()->current_test_info()->name());
-                  std::abort();
-              }
-          })
-    {
-    }
-    ~Watchdog()
-    {
-        {
-            std::lock_guard<std::mutex> guard(m_mutex);
-            m_done = true;
-        }
-        m_finished.notify_all();
-        m_thread.join();
-    }
-
-private:
-    std::mutex              m_mutex;
-    std::condition_variable m_finished;
-    bool                    m_done = false;
-    std::thread             m_thread;
-};
 
 // A thread that takes one side of the lock when started and reports when it got it.
 class Contender
@@ -100,7 +66,7 @@ private:
 
 TEST(ParameterMutex, ReadersHoldTheLockTogether)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex   mutex;
     std::atomic<int> inside{0};
     auto             reader = [&] {
@@ -123,7 +89,7 @@ TEST(ParameterMutex, ReadersHoldTheLockTogether)
 
 TEST(ParameterMutex, WriterExcludesReadersAndWriters)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(false);
     Contender reader(mutex, true);
@@ -140,53 +106,31 @@ TEST(ParameterMutex, WriterExcludesReadersAndWriters)
     EXPECT_TRUE(writer.AcquiredWithin(DeadlockTime));
 }
 
-TEST(ParameterMutex, ReaderExcludesAnotherWriter)
+// Either side nests and is held until its last unlock, shutting out the other side of another
+// thread: a writer keeps readers out, a reader keeps writers out.
+TEST(ParameterMutex, EachSideNestsAndIsHeldUntilTheLastUnlock)
 {
-    Watchdog watchdog;
-    ParameterMutex mutex;
-    mutex.Lock(true);
-    Contender writer(mutex, false);
-    std::this_thread::sleep_for(SettleTime);
-    EXPECT_FALSE(writer.Acquired());
-    mutex.Unlock(true);
-    EXPECT_TRUE(writer.AcquiredWithin(DeadlockTime));
-}
+    Watchdog watchdog(WatchdogTime);
+    for (bool shared : {false, true})
+    {
+        SCOPED_TRACE(shared ? "read side" : "write side");
+        ParameterMutex mutex;
+        mutex.Lock(shared);
+        mutex.Lock(shared);
+        mutex.Unlock(shared);
 
-TEST(ParameterMutex, WriteSideNestsAndIsHeldUntilTheLastUnlock)
-{
-    Watchdog watchdog;
-    ParameterMutex mutex;
-    mutex.Lock(false);
-    mutex.Lock(false);
-    mutex.Unlock(false);
+        Contender other(mutex, !shared);
+        std::this_thread::sleep_for(SettleTime);
+        EXPECT_FALSE(other.Acquired()); // one unlock of two: the owner still holds its side
 
-    Contender reader(mutex, true);
-    std::this_thread::sleep_for(SettleTime);
-    EXPECT_FALSE(reader.Acquired()); // one unlock of two: the owner still writes
-
-    mutex.Unlock(false);
-    EXPECT_TRUE(reader.AcquiredWithin(DeadlockTime));
-}
-
-TEST(ParameterMutex, ReadSideNestsAndIsHeldUntilTheLastUnlock)
-{
-    Watchdog watchdog;
-    ParameterMutex mutex;
-    mutex.Lock(true);
-    mutex.Lock(true);
-    mutex.Unlock(true);
-
-    Contender writer(mutex, false);
-    std::this_thread::sleep_for(SettleTime);
-    EXPECT_FALSE(writer.Acquired());
-
-    mutex.Unlock(true);
-    EXPECT_TRUE(writer.AcquiredWithin(DeadlockTime));
+        mutex.Unlock(shared);
+        EXPECT_TRUE(other.AcquiredWithin(DeadlockTime));
+    }
 }
 
 TEST(ParameterMutex, WriterMayReadAndWriteAgainAtOnce)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(false);
     mutex.Lock(true);
@@ -203,7 +147,7 @@ TEST(ParameterMutex, WriterMayReadAndWriteAgainAtOnce)
 
 TEST(ParameterMutex, LoneReaderUpgradesWithoutDeadlock)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(true);
     mutex.Lock(false); // the only reader: granted at once, the read side kept
@@ -219,7 +163,7 @@ TEST(ParameterMutex, LoneReaderUpgradesWithoutDeadlock)
 
 TEST(ParameterMutex, UpgradeWaitsWhileAnotherThreadReads)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex    mutex;
     Contender         otherReader(mutex, true);
     ASSERT_TRUE(otherReader.AcquiredWithin(DeadlockTime));
@@ -242,7 +186,7 @@ TEST(ParameterMutex, UpgradeWaitsWhileAnotherThreadReads)
 
 TEST(ParameterMutex, ReadUnlockWithoutReadLockChangesNothing)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(true);
     std::thread([&] { mutex.Unlock(true); }).join();
@@ -257,7 +201,7 @@ TEST(ParameterMutex, ReadUnlockWithoutReadLockChangesNothing)
 
 TEST(ParameterMutex, UnmatchedWriteUnlockIsReportedAndTheLockStaysUsable)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     testsupport::LogCapture capture;
     ParameterMutex          mutex;
     mutex.Unlock(false);
@@ -274,7 +218,7 @@ TEST(ParameterMutex, UnmatchedWriteUnlockIsReportedAndTheLockStaysUsable)
 
 TEST(ParameterMutexLock, LocksOnlyWhenTheConditionHolds)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex mutex;
     {
         ParameterMutexLock skipped(&mutex, false, false);
@@ -297,7 +241,7 @@ TEST(ParameterMutexLock, LocksOnlyWhenTheConditionHolds)
 // never see a half-done update (the two counters move together under the write side).
 TEST(ParameterMutex, KeepsSharedStateConsistentUnderLoad)
 {
-    Watchdog watchdog;
+    Watchdog watchdog(WatchdogTime);
     ParameterMutex   mutex;
     long             first  = 0;
     long             second = 0;

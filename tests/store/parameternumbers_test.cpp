@@ -22,41 +22,30 @@ Parsed Parse(const char* text)
     return parsed;
 }
 
-TEST(StringToDouble, ReadsPlainDecimals)
+TEST(StringToDouble, ReadsItsOwnNumberText)
 {
-    EXPECT_EQ(1.5, Parse("1.5").value);
-    EXPECT_TRUE(Parse("1.5").success);
-    EXPECT_EQ(-2.25, Parse("-2.25").value);
-    EXPECT_EQ(0.5, Parse(".5").value);
-    EXPECT_EQ(123.0, Parse("123.").value);
-    EXPECT_EQ(7.0, Parse("007").value);
-    EXPECT_EQ(1e308, Parse(("1" + std::string(308, '0')).c_str()).value);
-}
-
-// Digits are added as digit * scale with one rounding each, the scale divided down by ten:
-// "0.3" is therefore 3 * 0.1, which is not the double nearest to 0.3.
-TEST(StringToDouble, AccumulatesDigitTimesScale)
-{
-    EXPECT_EQ(3.0 * 0.1, Parse("0.3").value);
+    struct Case
+    {
+        std::string text;
+        double      value;
+    };
+    // Digits are added as digit * scale with one rounding each, the scale divided down by ten:
+    // "0.3" is therefore 3 * 0.1, which is not the double nearest to 0.3. Whatever stands ahead
+    // of the first "-" is skipped unexamined.
+    for (const Case& c : {Case{"1.5", 1.5}, Case{"-2.25", -2.25}, Case{".5", 0.5}, Case{"123.", 123.0},
+                          Case{"007", 7.0}, Case{"1" + std::string(308, '0'), 1e308}, Case{"0.3", 3.0 * 0.1},
+                          Case{"0.001", 1.0 / 10.0 / 10.0 / 10.0}, Case{"12-34", -34.0}, Case{"abc-5", -5.0}})
+    {
+        Parsed parsed = Parse(c.text.c_str());
+        EXPECT_TRUE(parsed.success) << c.text;
+        EXPECT_EQ(c.value, parsed.value) << c.text;
+    }
     EXPECT_NE(0.3, Parse("0.3").value);
-    EXPECT_EQ(1.0 / 10.0 / 10.0 / 10.0, Parse("0.001").value);
-}
 
-TEST(StringToDouble, LoneMinusIsNegativeZero)
-{
-    Parsed parsed = Parse("-");
-    EXPECT_TRUE(parsed.success);
-    EXPECT_EQ(0.0, parsed.value);
-    EXPECT_TRUE(std::signbit(parsed.value));
-}
-
-// Whatever stands ahead of the first "-" is skipped unexamined.
-TEST(StringToDouble, TextBeforeTheMinusIsSkipped)
-{
-    Parsed parsed = Parse("12-34");
-    EXPECT_TRUE(parsed.success);
-    EXPECT_EQ(-34.0, parsed.value);
-    EXPECT_EQ(-5.0, Parse("abc-5").value);
+    Parsed minus = Parse("-"); // a lone minus is negative zero
+    EXPECT_TRUE(minus.success);
+    EXPECT_EQ(0.0, minus.value);
+    EXPECT_TRUE(std::signbit(minus.value));
 }
 
 TEST(StringToDouble, RefusesWhatIsNotItsOwnNumberText)
@@ -89,71 +78,45 @@ Printed Print(double value, unsigned int decimals, unsigned int size = 32)
     return printed;
 }
 
-TEST(DoubleToString, PrintsWholeAndFractionalValues)
+TEST(DoubleToString, WorkedExamples)
 {
-    EXPECT_EQ("1.0", Print(1.0, 1).text);
-    EXPECT_EQ("1.5", Print(1.5, 1).text);
-    EXPECT_EQ("1.5", Print(1.5, 3).text); // trailing zeros go, one decimal stays
-    EXPECT_EQ("-3.5", Print(-3.5, 2).text);
-    EXPECT_EQ("100", Print(100.0, 0).text);
-    EXPECT_EQ("0", Print(0.0, 0).text);
-    EXPECT_EQ("0.0", Print(0.0, 2).text);
-    EXPECT_EQ("0.0", Print(0.001, 2).text); // rounds down to nothing behind the point
+    struct Case
+    {
+        double       value;
+        unsigned int decimals;
+        unsigned int size;
+        std::string  text;
+    };
+    const Case cases[] = {
+        {1.0, 1, 32, "1.0"}, {1.5, 1, 32, "1.5"},
+        {1.5, 3, 32, "1.5"}, // trailing zeros go, one decimal stays
+        {-3.5, 2, 32, "-3.5"}, {100.0, 0, 32, "100"}, {0.0, 0, 32, "0"}, {0.0, 2, 32, "0.0"},
+        {0.001, 2, 32, "0.0"}, // rounds down to nothing behind the point
+        // Large exponents are printed digit by digit.
+        {1e20, 0, 32, "100000000000000000000"}, {1.5e15, 1, 32, "1500000000000000.0"}, {-4096.0, 3, 32, "-4096.0"},
+        // The decimal digit is the truncated quotient of an inexact remainder: 1.25 leaves
+        // 0.0499999... after its "2", so at 1 decimal it prints "1.2". The algorithm's answer holds
+        // over the worked example that says "1.3"; at 2 decimals the next digit (9) rounds back up.
+        {1.25, 1, 32, "1.2"}, {1.25, 2, 32, "1.25"}, {-0.25, 2, 32, "-0.25"},
+        // The carry runs through nines and adds a leading one.
+        {9.96, 1, 32, "10.0"}, {99.96, 1, 32, "100.0"},
+        {0.0999, 3, 32, "0.1"}, // a carried "9" behind the first decimal place is dropped, not made "0"
+        {-9.96, 1, 32, ".0.0"}, // required: the carry does not know the sign; through "-9" the "-" becomes "."
+        {9.96, 1, 4, "0.0"},    // a carry without room is lost
+        // With no decimals no point is written: a fraction runs on as more digits until the
+        // remainder is zero or the buffer is full. 2.5 leaves a tiny negative remainder after its
+        // "5", so the digits go on (as zeros here) until the buffer is full; the worked example's
+        // "25" is what a buffer of 3 holds.
+        {2.5, 0, 3, "25"}, {2.5, 0, 8, "2500000"},
+        {123456.0, 0, 4, "123"}, // stops at the buffer end
+        {1.5, 1, 3, "15"},       // no room for a point and a decimal: digits run on
+    };
+    for (const Case& c : cases)
+    {
+        EXPECT_EQ(c.text, Print(c.value, c.decimals, c.size).text) << c.value << " at " << c.decimals;
+    }
     EXPECT_TRUE(Print(1.5, 1).complete);
-}
-
-TEST(DoubleToString, PrintsLargeExponentsDigitByDigit)
-{
-    EXPECT_EQ("100000000000000000000", Print(1e20, 0).text);
-    EXPECT_EQ("1500000000000000.0", Print(1.5e15, 1).text);
-    EXPECT_EQ("-4096.0", Print(-4096.0, 3).text);
-}
-
-// The decimal digit is the truncated quotient of an inexact remainder: 1.25 leaves
-// 0.0499999... after its "2", so at 1 decimal it prints "1.2". The algorithm's answer holds
-// over the worked example that says "1.3"; at 2 decimals the next digit (9) rounds back up.
-TEST(DoubleToString, RoundsOnTheNextComputedDigit)
-{
-    EXPECT_EQ("1.2", Print(1.25, 1).text);
-    EXPECT_EQ("1.25", Print(1.25, 2).text);
-    EXPECT_EQ("-0.25", Print(-0.25, 2).text);
-}
-
-TEST(DoubleToString, CarryRunsThroughNinesAndAddsALeadingOne)
-{
-    EXPECT_EQ("10.0", Print(9.96, 1).text);
-    EXPECT_EQ("100.0", Print(99.96, 1).text);
-    // A carried "9" behind the first decimal place is dropped rather than made "0".
-    EXPECT_EQ("0.1", Print(0.0999, 3).text);
-}
-
-// Required: the carry does not know the sign; through "-9" it turns the "-" into ".".
-TEST(DoubleToString, CarryIntoTheSignMakesItAPoint)
-{
-    EXPECT_EQ(".0.0", Print(-9.96, 1).text);
-}
-
-TEST(DoubleToString, CarryWithoutRoomIsLost)
-{
-    EXPECT_EQ("0.0", Print(9.96, 1, 4).text);
-}
-
-// With no decimals no point is written: a fraction runs on as more digits until the remainder
-// is zero or the buffer is full. 2.5 leaves a tiny negative remainder after its "5", so the
-// digits go on (as zeros here) until the buffer is full; the worked example's "25" is what a
-// buffer of 3 holds.
-TEST(DoubleToString, NoDecimalsMeansNoPoint)
-{
-    EXPECT_EQ("25", Print(2.5, 0, 3).text);
-    EXPECT_EQ("2500000", Print(2.5, 0, 8).text);
-}
-
-TEST(DoubleToString, StopsAtTheBufferEnd)
-{
-    Printed cut = Print(123456.0, 0, 4);
-    EXPECT_EQ("123", cut.text);
-    EXPECT_FALSE(cut.complete); // 456 were left over
-    EXPECT_EQ("15", Print(1.5, 1, 3).text); // no room for a point and a decimal: digits run on
+    EXPECT_FALSE(Print(123456.0, 0, 4).complete); // 456 were left over
 }
 
 TEST(DoubleToString, TinyBuffers)

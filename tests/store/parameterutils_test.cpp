@@ -71,50 +71,38 @@ TEST(ParameterUtilsScalar, WriteStoresLittleEndianAndMovesBySize)
     EXPECT_EQ(1u, capture.Count("Failed to write 2 bytes to binary offset 5, length 6\n"));
 }
 
-TEST(ParameterUtilsReadString, FieldWidthMovesThePositionWithPadding)
+// Into the caller's array: the field's width, padded, moves the position whatever was copied.
+TEST(ParameterUtilsReadString, IntoAnArray)
 {
-    std::vector<unsigned char> bytes = Image(std::string("name") + std::string(28, '\0') + "next");
-    char                       out[29];
-    unsigned int               pos = 0;
-    ASSERT_TRUE(ParameterUtils::ReadString(out, bytes.data(), 36, &pos, sizeof(out), 28, 8, nullptr));
-    EXPECT_STREQ("name", out);
-    EXPECT_EQ(32u, pos);
-
-    pos = 0;
-    char wide[33];
-    ASSERT_TRUE(ParameterUtils::ReadString(wide, bytes.data(), 36, &pos, sizeof(wide), 32, 8, nullptr));
-    EXPECT_EQ(32u, pos);
-}
-
-TEST(ParameterUtilsReadString, FullFieldWithoutTerminatorIsTerminatedByTheArray)
-{
-    std::vector<unsigned char> bytes = Image("ABCDEFGH");
-    char                       out[9];
-    memset(out, 'z', sizeof(out));
-    unsigned int pos = 0;
-    ASSERT_TRUE(ParameterUtils::ReadString(out, bytes.data(), 8, &pos, sizeof(out), 8, 1, nullptr));
-    EXPECT_STREQ("ABCDEFGH", out);
-}
-
-TEST(ParameterUtilsReadString, ShortBufferCopiesWhatIsThereAndStillMovesByTheField)
-{
-    std::vector<unsigned char> bytes = Image("xyAB");
-    char                       out[9];
-    memset(out, 0, sizeof(out));
-    unsigned int pos = 2;
-    ASSERT_TRUE(ParameterUtils::ReadString(out, bytes.data(), 4, &pos, sizeof(out), 8, 4, nullptr));
-    EXPECT_STREQ("AB", out);
-    EXPECT_EQ(10u, pos);
-}
-
-TEST(ParameterUtilsReadString, FieldWiderThanTheArrayStaysInsideIt)
-{
-    std::vector<unsigned char> bytes = Image("0123456789");
-    char                       out[5];
-    unsigned int               pos = 0;
-    ASSERT_TRUE(ParameterUtils::ReadString(out, bytes.data(), 10, &pos, sizeof(out), 10, 1, nullptr));
-    EXPECT_STREQ("0123", out);
-    EXPECT_EQ(10u, pos);
+    struct Case
+    {
+        std::string  bytes;
+        unsigned int pos;
+        unsigned int arraySize;
+        unsigned int field;
+        unsigned int alignment;
+        char         fill;
+        const char*  text;
+        unsigned int endPos;
+    };
+    const std::string padded = std::string("name") + std::string(28, '\0') + "next";
+    for (const Case& c : {Case{padded, 0, 29, 28, 8, 'z', "name", 32}, Case{padded, 0, 33, 32, 8, 'z', "name", 32},
+                          // a full field without terminator is terminated by the array
+                          Case{"ABCDEFGH", 0, 9, 8, 1, 'z', "ABCDEFGH", 8},
+                          // a short buffer: what is there is copied
+                          Case{"xyAB", 2, 9, 8, 4, '\0', "AB", 10},
+                          // a field wider than the array stays inside it
+                          Case{"0123456789", 0, 5, 10, 1, 'z', "0123", 10}})
+    {
+        std::vector<unsigned char> bytes = Image(c.bytes);
+        std::vector<char>          out(c.arraySize + 1, c.fill);
+        out.back() = '\0'; // a missing terminator shows as a wrong text, not an overread
+        unsigned int               pos = c.pos;
+        ASSERT_TRUE(ParameterUtils::ReadString(out.data(), bytes.data(), static_cast<unsigned int>(bytes.size()), &pos,
+                                               c.arraySize, c.field, c.alignment, nullptr));
+        EXPECT_STREQ(c.text, out.data());
+        EXPECT_EQ(c.endPos, pos) << c.text;
+    }
 }
 
 TEST(ParameterUtilsReadString, NullArrayIsReportedAndTheFieldSkipped)
@@ -127,41 +115,29 @@ TEST(ParameterUtilsReadString, NullArrayIsReportedAndTheFieldSkipped)
     EXPECT_EQ(1u, capture.Count("ReadBuffer failed to allocate space for a string of 6 length\n"));
 }
 
-TEST(ParameterUtilsReadString, NewStringStopsAtZeroFieldOrEnd)
+// Into a new string: it stops at a zero byte, the field's width or the buffer's end.
+TEST(ParameterUtilsReadString, IntoANewString)
 {
+    struct Case
+    {
+        unsigned int pos;
+        unsigned int field;
+        unsigned int alignment;
+        const char*  text;
+        unsigned int endPos;
+    };
     std::vector<unsigned char> bytes = Image(std::string("ab\0cdefgh", 9));
-    unsigned int               pos   = 0;
-    char*                      text  = ParameterUtils::ReadString(bytes.data(), 9, &pos, 6, 4);
-    ASSERT_NE(nullptr, text);
-    EXPECT_STREQ("ab", text); // stopped at the zero byte
-    EXPECT_EQ(8u, pos);
-    OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
-
-    pos  = 3;
-    text = ParameterUtils::ReadString(bytes.data(), 9, &pos, 3, 1);
-    ASSERT_NE(nullptr, text);
-    EXPECT_STREQ("cde", text); // stopped at the field's width
-    EXPECT_EQ(6u, pos);
-    OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
-
-    pos  = 6;
-    text = ParameterUtils::ReadString(bytes.data(), 9, &pos, 8, 1);
-    ASSERT_NE(nullptr, text);
-    EXPECT_STREQ("fgh", text); // stopped at the end of the buffer
-    EXPECT_EQ(14u, pos);
-    OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
-}
-
-TEST(ParameterUtilsReadString, NewStringOfAnEmptyFieldOrNullBuffer)
-{
-    std::vector<unsigned char> bytes = Image("abc");
-    unsigned int               pos   = 1;
-    char*                      text  = ParameterUtils::ReadString(bytes.data(), 3, &pos, 0, 8);
-    ASSERT_NE(nullptr, text);
-    EXPECT_STREQ("", text);
-    EXPECT_EQ(1u, pos);
-    OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
-
+    for (const Case& c : {Case{0, 6, 4, "ab", 8}, Case{3, 3, 1, "cde", 6}, Case{6, 8, 1, "fgh", 14},
+                          Case{1, 0, 8, "", 1}})
+    {
+        unsigned int pos  = c.pos;
+        char*        text = ParameterUtils::ReadString(bytes.data(), 9, &pos, c.field, c.alignment);
+        ASSERT_NE(nullptr, text);
+        EXPECT_STREQ(c.text, text);
+        EXPECT_EQ(c.endPos, pos) << c.text;
+        OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
+    }
+    unsigned int pos = 1;
     EXPECT_EQ(nullptr, ParameterUtils::ReadString(nullptr, 3, &pos, 2, 1));
     EXPECT_EQ(1u, pos);
 }
@@ -269,49 +245,33 @@ TEST(ParameterUtilsText, SubStringStopsAtDelimiterEndOrRoom)
     EXPECT_EQ(0u, ParameterUtils::GetSubString("abc", '|', nullptr, 4));
 }
 
+// Name, index and used length of a variable path element; the caller's preset index stays
+// where no digits follow the bracket.
 TEST(ParameterUtilsText, VariableReadsNameIndexAndUsedLength)
 {
-    char         name[32];
-    unsigned int index = 99;
-    EXPECT_EQ(8u, ParameterUtils::GetVariable("tab[12].x", name, index, sizeof(name)));
-    EXPECT_STREQ("tab", name);
-    EXPECT_EQ(12u, index);
-
-    index = 99;
-    EXPECT_EQ(6u, ParameterUtils::GetVariable("tab[].x", name, index, sizeof(name)));
-    EXPECT_STREQ("tab", name);
-    EXPECT_EQ(99u, index); // no digits: the caller's preset stays
-
-    EXPECT_EQ(5u, ParameterUtils::GetVariable("plain", name, index, sizeof(name)));
-    EXPECT_STREQ("plain", name);
-    EXPECT_EQ(99u, index);
-
-    EXPECT_EQ(2u, ParameterUtils::GetVariable("a.b.c", name, index, sizeof(name)));
-    EXPECT_STREQ("a", name);
-}
-
-TEST(ParameterUtilsText, VariableEdgeCases)
-{
+    struct Case
+    {
+        const char*  text;
+        unsigned int used;
+        const char*  name;
+        unsigned int index;
+        unsigned int size;
+    };
+    for (const Case& c : {Case{"tab[12].x", 8, "tab", 12, 32}, Case{"tab[].x", 6, "tab", 7, 32},
+                          Case{"plain", 5, "plain", 7, 32}, Case{"a.b.c", 2, "a", 7, 32}, Case{"", 0, "", 7, 4},
+                          Case{"longname[3]", 11, "lon", 3, 4}, // the name is cut to the caller's size
+                          Case{"t[-4]", 5, "t", 0, 4},          // a negative index clamps to 0
+                          Case{"t[x]", 4, "t", 0, 4},           // refused digits read as 0.0, and that is taken
+                          Case{"t[", 2, "t", 7, 4}})            // nothing behind the bracket
+    {
+        char         name[32] = "old";
+        unsigned int index    = 7;
+        EXPECT_EQ(c.used, ParameterUtils::GetVariable(c.text, name, index, c.size)) << c.text;
+        EXPECT_STREQ(c.name, name) << c.text;
+        EXPECT_EQ(c.index, index) << c.text;
+    }
     char         name[4] = "old";
     unsigned int index   = 5;
-    EXPECT_EQ(0u, ParameterUtils::GetVariable("", name, index, sizeof(name)));
-    EXPECT_STREQ("", name);
     EXPECT_EQ(0u, ParameterUtils::GetVariable(nullptr, name, index, sizeof(name)));
-
-    EXPECT_EQ(11u, ParameterUtils::GetVariable("longname[3]", name, index, sizeof(name)));
-    EXPECT_STREQ("lon", name); // cut to the caller's size
-    EXPECT_EQ(3u, index);
-
-    EXPECT_EQ(5u, ParameterUtils::GetVariable("t[-4]", name, index, sizeof(name)));
-    EXPECT_EQ(0u, index); // a negative index clamps to 0
-
-    index = 7;
-    ParameterUtils::GetVariable("t[x]", name, index, sizeof(name));
-    EXPECT_EQ(0u, index); // refused digits read as 0.0, and that is taken
-
-    index = 7;
-    ParameterUtils::GetVariable("t[", name, index, sizeof(name));
-    EXPECT_EQ(7u, index); // nothing behind the bracket
-    EXPECT_STREQ("t", name);
 }
 } // namespace

@@ -1,11 +1,5 @@
 #include "storefiles.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cstdio>
-
 #include <gtest/gtest.h>
 
 #include "orvomem.h"
@@ -74,6 +68,11 @@ Section FindSection(const std::vector<uint8_t>& image, uint32_t type)
     return {U32At(image, entry + 4), U32At(image, entry + 8)};
 }
 
+size_t ModeRecordAt(const std::vector<uint8_t>& image, uint32_t id)
+{
+    return FindSection(image, ParameterSetManager::SectionModeTable).offset + 32 + id * 24u;
+}
+
 tuningfile::Mode MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId, uint32_t linkId, bool pinned)
 {
     tuningfile::Mode entry;
@@ -129,42 +128,6 @@ tuningfile::Module DemoModule(const std::string& name, uint32_t modeId, float ga
 tuningfile::Module ConfigModule(uint32_t modeId, uint32_t maxFaces)
 {
     return MakeModule("testconfigdata", modeId, ConfigData(maxFaces, 0.25f, 15), {3, 4, 0});
-}
-
-TempFile::TempFile(const std::string& stem)
-    : m_path(testing::TempDir() + "store_" + stem + "_" + std::to_string(getpid()) + ".bin")
-{
-}
-
-TempFile::~TempFile()
-{
-    unlink(m_path.c_str());
-}
-
-void TempFile::Store(const std::vector<uint8_t>& image) const
-{
-    FILE* file = fopen(m_path.c_str(), "wb");
-    ASSERT_NE(nullptr, file);
-    ASSERT_EQ(image.size(), fwrite(image.data(), 1, image.size(), file));
-    fclose(file);
-}
-
-void TempFile::StoreUnnoticed(const std::vector<uint8_t>& image) const
-{
-    struct stat status;
-    ASSERT_EQ(0, stat(m_path.c_str(), &status));
-    Store(image);
-    struct timespec times[2] = {status.st_atim, status.st_mtim};
-    ASSERT_EQ(0, utimensat(AT_FDCWD, m_path.c_str(), times, 0));
-}
-
-void TempFile::ShiftModifiedTime(long seconds) const
-{
-    struct stat status;
-    ASSERT_EQ(0, stat(m_path.c_str(), &status));
-    struct timespec times[2] = {status.st_atim, status.st_mtim};
-    times[1].tv_sec += seconds;
-    ASSERT_EQ(0, utimensat(AT_FDCWD, m_path.c_str(), times, 0));
 }
 
 std::string SharedText(ParameterFileSymbolTableEntry& entry, unsigned int length, unsigned char alignment)

@@ -9,6 +9,7 @@
 
 #include "opaquesetmanager.h"
 #include "parametersetmanager.h"
+#include "tempfile.h"
 #include "tuningfile/writer.h"
 
 namespace storetest
@@ -36,6 +37,8 @@ constexpr uint32_t HeaderSize = 168;
 Section FindSection(const std::vector<uint8_t>& image, uint32_t type);
 /// Byte offset of the section-table entry of `type`.
 size_t SectionEntryAt(const std::vector<uint8_t>& image, uint32_t type);
+/// Mode record `id` of a 5.0.0 file: id at +0, modeUnion +4, parentId +12, linkId +16, flags +20.
+size_t ModeRecordAt(const std::vector<uint8_t>& image, uint32_t id);
 
 tuningfile::Mode   MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId,
                             uint32_t linkId = tuningfile::NoLink, bool pinned = false);
@@ -56,26 +59,6 @@ tuningfile::DataBuilder ConfigData(uint32_t maxFaces, float minScale, uint32_t a
 /// A demo_1_0_0 module ("demo10_bps" or "demo10_ife") of `gain` and a testconfigdata module.
 tuningfile::Module DemoModule(const std::string& name, uint32_t modeId, float gain);
 tuningfile::Module ConfigModule(uint32_t modeId, uint32_t maxFaces);
-
-/// A file in the test's temporary directory, removed at the end of its life.
-class TempFile
-{
-public:
-    explicit TempFile(const std::string& stem);
-    ~TempFile();
-    TempFile(const TempFile&)            = delete;
-    TempFile& operator=(const TempFile&) = delete;
-
-    void               Store(const std::vector<uint8_t>& image) const;
-    /// Replaces the contents and sets the modification time back, so the change goes unseen.
-    void               StoreUnnoticed(const std::vector<uint8_t>& image) const;
-    /// Moves the modification time by `seconds`, as a newer file on disk would.
-    void               ShiftModifiedTime(long seconds) const;
-    const std::string& Path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
 
 /// The text of a string entry read through the dup-object service, given back at once.
 std::string SharedText(ParameterFileSymbolTableEntry& entry, unsigned int length, unsigned char alignment);
