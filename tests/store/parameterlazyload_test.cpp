@@ -3,6 +3,7 @@
 // be read again, at most twice per request.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "logcapture.h"
@@ -70,14 +71,8 @@ protected:
 
     bool Listed(uint32_t id)
     {
-        for (uint32_t index = 0; index < m_manager.m_loadedModes.count; ++index)
-        {
-            if (m_manager.m_loadedModes[index] == Mode(id))
-            {
-                return true;
-            }
-        }
-        return false;
+        const PList<ModeEntry*>& list = m_manager.m_loadedModes;
+        return std::find(list.items, list.items + list.count, Mode(id)) != list.items + list.count;
     }
 
     LogCapture           m_log;
