@@ -72,7 +72,7 @@ protected:
     ParameterModule*     m_module = nullptr;
 };
 
-TEST_P(Abf34Tree, TheRecordHoldsTheHeadTheReserveAndEveryRegion)
+TEST_P(Abf34Tree, TheHeadAndTheReserveReadAsRecordsAndAsText)
 {
     const tonemetry_abf34Type& abf = *m_record;
     EXPECT_EQ(1, abf.enable_section.abf_enable);
@@ -85,47 +85,40 @@ TEST_P(Abf34Tree, TheRecordHoldsTheHeadTheReserveAndEveryRegion)
     EXPECT_EQ(4.0f, abf.dynamic_enable_triggers.abf_enable.hyst_trigger.end2);
     EXPECT_EQ(0.75f, abf.tonemetry_abf34_reserve.radial_anchor_tab.radial_anchor[3]);
 
-    ASSERT_EQ(DrcNodes, abf.tonemetry_abf34_core.mod_abf34_drc_gain_dataCount);
+    EXPECT_EQ("1,0,4", Text("control_variables.control_var_type"));
+    EXPECT_EQ("4.0", Text("dynamic_enable_triggers.abf_enable.hyst_trigger.end2"));
+    EXPECT_EQ(0u, m_log.Count("Failed"));
+}
+
+TEST_P(Abf34Tree, EveryLeafIsInTheRecordAndReachedByTextPathThroughTheLiveCounts)
+{
+    const std::string drcList = "tonemetry_abf34_core.mod_abf34_drc_gain_data";
+    ASSERT_EQ(DrcNodes, m_record->tonemetry_abf34_core.mod_abf34_drc_gain_dataCount);
+    ASSERT_EQ(DrcNodes, ListCount(drcList));
+    uint32_t leaves = 0;
     for (uint32_t d = 0; d < DrcNodes; ++d)
     {
-        const auto& drc = abf.tonemetry_abf34_core.mod_abf34_drc_gain_data[d];
+        const auto&       drc     = m_record->tonemetry_abf34_core.mod_abf34_drc_gain_data[d];
+        const std::string hdrList = Node(drcList, d) + ".drc_gain_data.mod_abf34_hdr_aec_data";
         EXPECT_EQ(static_cast<float>(d + 1), drc.drc_gain_trigger.end);
         ASSERT_EQ(HdrNodes, drc.drc_gain_data.mod_abf34_hdr_aec_dataCount);
+        ASSERT_EQ(HdrNodes, ListCount(hdrList));
         for (uint32_t h = 0; h < HdrNodes; ++h)
         {
-            const auto& hdr = drc.drc_gain_data.mod_abf34_hdr_aec_data[h];
+            const auto&       hdr     = drc.drc_gain_data.mod_abf34_hdr_aec_data[h];
+            const std::string aecList = Node(hdrList, h) + ".hdr_aec_data.mod_abf34_aec_data";
             EXPECT_EQ(static_cast<float>(h), hdr.hdr_aec_trigger.aec_sensitivity_start);
             ASSERT_EQ(AecNodes, hdr.hdr_aec_data.mod_abf34_aec_dataCount);
+            ASSERT_EQ(AecNodes, ListCount(aecList));
             for (uint32_t a = 0; a < AecNodes; ++a)
             {
-                const auto& aec = hdr.hdr_aec_data.mod_abf34_aec_data[a];
+                const auto&       aec  = hdr.hdr_aec_data.mod_abf34_aec_data[a];
+                const std::string leaf = Node(aecList, a);
                 EXPECT_EQ(static_cast<float>(a + 1), aec.aec_trigger.gain_end);
                 EXPECT_EQ(cataloguedata::Abf34RegionMark(d, h, a), aec.abf34_rgn_data.bpc_fmax);
                 EXPECT_EQ(16.0f, aec.abf34_rgn_data.noise_stdlut_level_tab.noise_stdlut_level[64]);
                 EXPECT_EQ(10u, aec.abf34_rgn_data.curve_offset_tab.curve_offset[3]);
                 EXPECT_EQ(3.5f, aec.abf34_rgn_data.noise_prsv_hi_tab.noise_prsv_hi[1]);
-            }
-        }
-    }
-    EXPECT_EQ(0u, m_log.Count("Failed"));
-}
-
-TEST_P(Abf34Tree, AWalkByTextPathReachesEveryLeafThroughTheLiveCounts)
-{
-    const std::string drcList = "tonemetry_abf34_core.mod_abf34_drc_gain_data";
-    ASSERT_EQ(DrcNodes, ListCount(drcList));
-    uint32_t leaves = 0;
-    for (uint32_t d = 0; d < ListCount(drcList); ++d)
-    {
-        const std::string hdrList = Node(drcList, d) + ".drc_gain_data.mod_abf34_hdr_aec_data";
-        ASSERT_EQ(HdrNodes, ListCount(hdrList));
-        for (uint32_t h = 0; h < ListCount(hdrList); ++h)
-        {
-            const std::string aecList = Node(hdrList, h) + ".hdr_aec_data.mod_abf34_aec_data";
-            ASSERT_EQ(AecNodes, ListCount(aecList));
-            for (uint32_t a = 0; a < ListCount(aecList); ++a)
-            {
-                const std::string leaf = Node(aecList, a);
                 EXPECT_EQ(std::to_string(cataloguedata::Abf34RegionMark(d, h, a)),
                           Text(leaf + ".abf34_rgn_data.bpc_fmax"));
                 EXPECT_EQ(std::to_string(a + 1) + ".0", Text(leaf + ".aec_trigger.gain_end"));
@@ -135,8 +128,6 @@ TEST_P(Abf34Tree, AWalkByTextPathReachesEveryLeafThroughTheLiveCounts)
     }
     EXPECT_EQ(DrcNodes * HdrNodes * AecNodes, leaves);
     EXPECT_EQ("<false>", Text(Node(drcList, DrcNodes) + ".drc_gain_trigger.start")) << "one past the last node";
-    EXPECT_EQ("1,0,4", Text("control_variables.control_var_type"));
-    EXPECT_EQ("4.0", Text("dynamic_enable_triggers.abf_enable.hyst_trigger.end2"));
 }
 
 TEST_P(Abf34Tree, ARegionsArraysReadWholeOrByIndexAndTakeNewValues)

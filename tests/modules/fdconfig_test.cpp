@@ -18,44 +18,44 @@ using testsupport::LogCapture;
 
 constexpr tuningfile::Version FdVersion{3, 4, 0};
 
-/// Writes the members of a record into a builder: each 4-byte member the next of a sequence of
-/// distinct numbers, each enum the value its place asks for.
-class Writer
+/// Writes the members of a record into a builder, or expects them of a loaded record in the same
+/// order: each 4-byte member the next of a sequence of distinct numbers, each enum the value its
+/// place asks for.
+class Cells
 {
 public:
+    explicit Cells(bool check) : m_check(check) {}
+
     template <typename T>
-    void Word(T&, char const*)
+    void Word(T& member, char const* name)
     {
-        data.U32(m_next++);
+        if (m_check)
+        {
+            EXPECT_EQ(m_next, Bits(member)) << name;
+        }
+        else
+        {
+            data.U32(m_next);
+        }
+        ++m_next;
     }
     template <typename E>
-    void Enum(E&, E value, char const*)
+    void Enum(E& member, E value, char const* name)
     {
-        data.Enum(value);
+        if (m_check)
+        {
+            EXPECT_EQ(value, member) << name;
+        }
+        else
+        {
+            data.Enum(value);
+        }
     }
 
     tuningfile::DataBuilder data;
 
 private:
-    uint32_t m_next = 0x100;
-};
-
-/// Expects the members of a loaded record in the same order: the same numbers and enums.
-class Checker
-{
-public:
-    template <typename T>
-    void Word(T& member, char const* name)
-    {
-        EXPECT_EQ(m_next++, Bits(member)) << name;
-    }
-    template <typename E>
-    void Enum(E& member, E value, char const* name)
-    {
-        EXPECT_EQ(value, member) << name;
-    }
-
-private:
+    bool     m_check;
     uint32_t m_next = 0x100;
 };
 
@@ -246,7 +246,7 @@ void Walk(V& visitor, FaceDetectionCtrlType& record)
 tuningfile::DataBuilder FdData()
 {
     FaceDetectionCtrlType blank{};
-    Writer                writer;
+    Cells                 writer(false);
     Walk(writer, blank);
     return writer.data;
 }
@@ -297,7 +297,7 @@ TEST_P(FdConfigFile, EveryMemberLoadsInBufferMode)
 
     FaceDetectionCtrlType* record = m_manager.GetModule_fdconfigdata(nullptr, 0, nullptr);
     ASSERT_NE(nullptr, record);
-    Checker checker;
+    Cells checker(true);
     Walk(checker, *record);
     EXPECT_EQ(1u, record->SymbolTableID) << "the module's entry id";
     EXPECT_EQ(0u, record->module_version.SymbolTableID);
@@ -312,50 +312,34 @@ INSTANTIATE_TEST_SUITE_P(Alignments, FdConfigFile,
                          [](const testing::TestParamInfo<tuningfile::Version>& info)
                          { return "Version" + std::to_string(info.param.major); });
 
-TEST(FdConfigFileMode, EveryMemberLoadsFromTheFile)
+TEST(FdConfigEnums, AValueOutsideTheEnumIsLoggedAndLeftZeroAndLaterMembersStillLoad)
 {
-    moduletest::TempFile file("fdconfig");
-    file.Store(FdImage(moduletest::AlignmentOne, FdData()));
-    fdSetManager manager;
-    ASSERT_TRUE(manager.LoadBinaryParameters(file.Path().c_str())) << manager.m_errorText;
-    ASSERT_TRUE(manager.IsFileMode());
-
-    moduletest::UsecaseBranch branch(1);
-    FaceDetectionCtrlType*    record = manager.GetModule_fdconfigdata(branch.modes, 2, nullptr);
-    ASSERT_NE(nullptr, record);
-    Checker checker;
-    Walk(checker, *record);
-    record->Release();
-}
-
-TEST(FdConfigEnums, AnAngleOutOfRangeIsLoggedAndLeftZero)
-{
-    LogCapture           log;
-    fdSetManager         manager;
-    std::vector<uint8_t> image = FdImage(moduletest::AlignmentOne, WithCell(FdData(), SearchAngleCell, 7));
-    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size()));
-
-    FaceDetectionCtrlType* record = manager.GetModule_fdconfigdata(nullptr, 0, nullptr);
-    ASSERT_NE(nullptr, record) << "an invalid enum does not fail the load";
-    EXPECT_EQ(0u, static_cast<uint32_t>(record->hwConfig.searchAngle));
-    EXPECT_EQ(1u, log.Count("Invalid value"));
-    EXPECT_EQ(1u, log.Count("Invalid value(7) converting UINT32 to FDSearchAngle"));
-    EXPECT_EQ(FDSearchDensity200, record->FPFilterConfig.searchDensity) << "later members still load";
-}
-
-TEST(FdConfigEnums, OnlyTheListedValuesOfAnEnumWithGapsAreTaken)
-{
-    for (uint32_t value : {0u, 7u, 15u, 16u})
+    // 7 is no FDSearchAngle; FDFaceAccuracy has 0 and 15 only, an enum with gaps.
+    struct Case
     {
+        size_t   cell;
+        uint32_t value;
+        bool     listed;
+    };
+    for (const Case& use : {Case{SearchAngleCell, 7, false}, Case{AccuracyCell, 0, true}, Case{AccuracyCell, 7, false},
+                            Case{AccuracyCell, 15, true}, Case{AccuracyCell, 16, false}})
+    {
+        SCOPED_TRACE(std::to_string(use.cell) + ": " + std::to_string(use.value));
         LogCapture           log;
         fdSetManager         manager;
-        std::vector<uint8_t> image = FdImage(moduletest::AlignmentOne, WithCell(FdData(), AccuracyCell, value));
+        std::vector<uint8_t> image = FdImage(moduletest::AlignmentOne, WithCell(FdData(), use.cell, use.value));
         ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size()));
         FaceDetectionCtrlType* record = manager.GetModule_fdconfigdata(nullptr, 0, nullptr);
-        ASSERT_NE(nullptr, record);
-        bool listed = (0 == value) || (15 == value);
-        EXPECT_EQ(listed ? value : 0u, static_cast<uint32_t>(record->accuracy)) << value;
-        EXPECT_EQ(listed ? 0u : 1u, log.Count("converting UINT32 to FDFaceAccuracy")) << value;
+        ASSERT_NE(nullptr, record) << "an invalid enum does not fail the load";
+        const uint32_t stored = (SearchAngleCell == use.cell) ? static_cast<uint32_t>(record->hwConfig.searchAngle)
+                                                              : static_cast<uint32_t>(record->accuracy);
+        EXPECT_EQ(use.listed ? use.value : 0u, stored);
+        const std::string line = "Invalid value(" + std::to_string(use.value) + ") converting UINT32 to " +
+                                 ((SearchAngleCell == use.cell) ? "FDSearchAngle" : "FDFaceAccuracy");
+        EXPECT_EQ(use.listed ? 0u : 1u, log.Count(line));
+        EXPECT_EQ(use.listed ? 0u : 1u, log.Count("Invalid value"));
+        EXPECT_EQ(FDSearchDensity200, record->FPFilterConfig.searchDensity) << "later members still load";
+        record->Release();
     }
 }
 

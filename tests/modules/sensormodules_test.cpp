@@ -1,7 +1,7 @@
 // The sensor-side modules of ImageSensorModuleSetManager, packed from their schemas and JSON
 // values by the schema-driven encoder and loaded back: every registered name compared member
-// by member at both alignments and from a file, two names of one class side by side, members
-// left out, and a sensor of many resolutions.
+// by member at both alignments and from a file, two names of one class side by side, and a
+// sensor of many resolutions.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -153,10 +153,13 @@ TEST_F(SensorModules, EveryNameLoadsItsValuesLazilyFromAFile)
 TEST_F(SensorModules, TwoNamesOfOneClassLoadIndependentlyFromOneFile)
 {
     const std::vector<sensortest::SensorModuleValues> all = sensortest::AllSensorModules();
-    // actuatorDriver in the root; actuatorDriver1 in the root and, with other values, in a use case.
+    // actuatorDriver in the root; actuatorDriver1 in the root and, with other values, in a use case;
+    // of the flash class only the secondary name, whose type string begins with the other's.
+    ASSERT_EQ("flashDriverDataSecondary", all[5].name);
     std::vector<uint8_t> image = Image(moduletest::AlignmentOne, {Module(all[0].name, 0, all[0].values),
                                                                   Module(all[1].name, 0, all[1].values),
-                                                                  Module(all[1].name, 1, all[0].values)});
+                                                                  Module(all[1].name, 1, all[0].values),
+                                                                  Module(all[5].name, 0, all[5].values)});
     ImageSensorModuleSetManager manager;
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
 
@@ -178,35 +181,9 @@ TEST_F(SensorModules, TwoNamesOfOneClassLoadIndependentlyFromOneFile)
     ASSERT_NE(nullptr, secondInstance);
     EXPECT_STREQ("actuatorDriver", firstInstance->Name);
     EXPECT_STREQ("actuatorDriver1", secondInstance->Name);
+    all[5].expect(manager, nullptr, 0);
     EXPECT_EQ(nullptr, moduletest::Instance(manager, "flashDriverData"));
-}
-
-TEST_F(SensorModules, ANameAloneInItsFileLeavesTheOtherNameOfItsClassEmpty)
-{
-    const sensortest::SensorModuleValues secondary = sensortest::AllSensorModules()[5];
-    ASSERT_EQ("flashDriverDataSecondary", secondary.name);
-    std::vector<uint8_t>        image = Image(moduletest::AlignmentOne, {Module(secondary.name, 0, secondary.values)});
-    ImageSensorModuleSetManager manager;
-    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
-    secondary.expect(manager, nullptr, 0);
     EXPECT_EQ(nullptr, manager.GetModule_flashDriverData(nullptr, 0, nullptr));
-}
-
-TEST_F(SensorModules, ASensorDriverOfNoValuesLoadsAsZerosWithItsModuleVersion)
-{
-    std::vector<uint8_t> image = Image(moduletest::AlignmentOne, {Module("sensorDriverData", 0, Json::object())});
-    ImageSensorModuleSetManager manager;
-    ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
-    Orvo::SensorDriverData* record = manager.GetModule_sensorDriverData(nullptr, 0, nullptr);
-    ASSERT_NE(nullptr, record);
-    EXPECT_EQ(1, record->module_version.major_revision);
-    EXPECT_STREQ("", record->slaveInfo.sensorName);
-    EXPECT_EQ(0u, record->slaveInfo.moduleTypeExists);
-    EXPECT_EQ(0u, record->resolutionInfoCount + record->initSettingsCount + record->delayInfoCount);
-    EXPECT_EQ(0u, record->streamOnSettings.registerSettingCount);
-    EXPECT_EQ(0u, record->gmslInfoExists + record->noiseCoefficientExists + record->noiseCoefficientBayerExists);
-    EXPECT_EQ(0.0, record->exposureControlInfo.maxAnalogGain);
-    EXPECT_STREQ("", record->exposureControlInfo.realToRegisterGain);
 }
 
 TEST_F(SensorModules, ASensorOfManyResolutionsAndRegisterSettingsLoadsEveryOne)
