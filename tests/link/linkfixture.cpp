@@ -1,37 +1,11 @@
 #include "linkfixture.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <thread>
 
 #include "runtimefixture.h"
 
 namespace linktest
 {
-Watchdog::Watchdog(std::chrono::seconds bound)
-    : m_thread(
-          [this, bound]
-          {
-              std::unique_lock<std::mutex> guard(m_mutex);
-              if (!m_finished.wait_for(guard, bound, [this] { return m_done; }))
-              {
-                  fprintf(stderr, "link test hung: %s\n",
-                          testing::UnitTest::GetInstance()->current_test_info()->name());
-                  std::abort();
-              }
-          })
-{
-}
-
-Watchdog::~Watchdog()
-{
-    {
-        std::lock_guard<std::mutex> guard(m_mutex);
-        m_done = true;
-    }
-    m_finished.notify_all();
-    m_thread.join();
-}
-
 tuningfile::TuningFileModel DemoModel(const std::string& binaryTag)
 {
     tuningfile::TuningFileModel model;

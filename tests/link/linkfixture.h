@@ -1,42 +1,24 @@
 // A set manager of the store's test modules serving a tuning file on its live tuning link, and
-// a client connected to it. Every test is bounded by a watchdog.
+// a client connected to it. Every test is bounded by a watchdog: a hung link thread can be
+// neither joined nor cleaned up.
 #ifndef TESTS_LINK_LINKFIXTURE_H
 #define TESTS_LINK_LINKFIXTURE_H
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <thread>
 
 #include "g_storetest/testmodulesetmanager.h"
 #include "linkclient.h"
 #include "logcapture.h"
 #include "parameterravlenworker.h"
 #include "storefiles.h"
+#include "watchdog.h"
 
 namespace linktest
 {
-/// Ends the whole run when a test outlives its bound: a hung link thread can be neither joined
-/// nor cleaned up.
-class Watchdog
-{
-public:
-    explicit Watchdog(std::chrono::seconds bound);
-    ~Watchdog();
-    Watchdog(const Watchdog&)            = delete;
-    Watchdog& operator=(const Watchdog&) = delete;
-
-private:
-    std::mutex              m_mutex;
-    std::condition_variable m_finished;
-    bool                    m_done = false;
-    std::thread             m_thread;
-};
-
 /// "Default" holds demo10_bps (gain 1.5, label "demo"), demo10_ife (gain 10) and testconfigdata;
 /// "Usecase.Video" its own demo10_bps (gain 2); "Feature1.ISPHDR" below Video holds nothing.
 tuningfile::TuningFileModel DemoModel(const std::string& binaryTag);
@@ -71,7 +53,7 @@ protected:
     /// Waits up to five seconds for a log line with `fragment`, as the link's threads log.
     bool WaitForLog(const std::string& fragment) const;
 
-    Watchdog                              m_watchdog{std::chrono::seconds(60)};
+    storetest::Watchdog                   m_watchdog{std::chrono::seconds(60)};
     testsupport::LogCapture               m_log;
     storetest::TempFile                   m_file{"link"};
     std::unique_ptr<TestModuleSetManager> m_manager;
