@@ -274,25 +274,18 @@ TEST_F(EngineTest, UnknownFormatOrNoInitializeGivesZeroWindows)
     config.format = PDLibSensorPDStatsCustom;
     ASSERT_EQ(KelResultSuccess, StartFlat(config, 0.0F));
     EXPECT_EQ(KelResultSuccess, Frame());
+    // A format number beyond the known ones, as a C host may write it, is refused like format 0.
+    const INT32 hostFormat = 4;
+    std::memcpy(&m_pParams->initParam.sensorPDStatsFormat, &hostFormat, sizeof(hostFormat));
+    ASSERT_EQ(KelResultSuccess, m_pEngine->Initialize(m_pParams.get()));
+    EXPECT_EQ(KelResultSuccess, Frame());
 
-    EXPECT_EQ(2U, m_log.Count("() unsupported PD data type"));
+    EXPECT_EQ(3U, m_log.Count("() unsupported PD data type"));
     EXPECT_EQ(0U, m_pOutputs->libOutput.horizontalWindowCount);
     EXPECT_EQ(0U, m_pOutputs->libOutput.verticalWindowCount);
     const std::unique_ptr<PDLibOutputs> pPristine = pdtest::MakePatternedOutputs();
     EXPECT_EQ(0, std::memcmp(pPristine->libOutput.defocus, m_pOutputs->libOutput.defocus,
                              sizeof(pPristine->libOutput.defocus)));
-}
-
-// A format number beyond the known ones, as a C host may write it, is refused like format 0.
-TEST_F(EngineTest, FormatNumberBeyondTheKnownOnesIsRefused)
-{
-    m_pParams = pdtest::MakeCreateParams(EngineConfig(), nullptr);
-    const INT32 hostFormat = 4; // a host's number, written as the C boundary carries it
-    std::memcpy(&m_pParams->initParam.sensorPDStatsFormat, &hostFormat, sizeof(hostFormat));
-    ASSERT_EQ(KelResultSuccess, m_pEngine->Initialize(m_pParams.get()));
-    EXPECT_EQ(KelResultSuccess, Frame());
-    EXPECT_EQ(1U, m_log.Count("() unsupported PD data type"));
-    EXPECT_EQ(0U, m_pOutputs->libOutput.horizontalWindowCount);
 }
 
 TEST_F(EngineTest, ThresholdOfZeroOrBelowPassesEveryWindow)

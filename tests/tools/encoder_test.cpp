@@ -148,10 +148,7 @@ TEST_F(KindEncoder, MembersLeftOutAreZeroAbsentOrEmptyAndTheModuleVersionIsTheSc
     expected.Repeated(std::vector<DataBuilder>{}).Repeated(std::vector<DataBuilder>{});
     expected.OptionalAbsent().OptionalAbsent().OptionalAbsent().OptionalAbsent();
     EXPECT_EQ(Image(expected), Image(data));
-}
 
-TEST_F(KindEncoder, AnEnumWithoutTheValueZeroMustBeGiven)
-{
     EXPECT_EQ("/values/phase: missing: stage has no value 0, so 'phase' must be given", OnlyRefusal(Json::object()));
 }
 
@@ -177,48 +174,45 @@ TEST_F(KindEncoder, EnumsByNameAndByNumberAndWholeNumbersInEveryFormEncodeAlike)
     EXPECT_EQ(Image(byName), Image(inCode));
 }
 
-struct RangeCase
+TEST_F(KindEncoder, AValueOutsideItsTypeIsRefusedAtItsPath)
 {
-    const char* values;
-    const char* refusal;
-};
-
-class KindEncoderRanges : public KindEncoder, public testing::WithParamInterface<RangeCase>
-{
-};
-
-TEST_P(KindEncoderRanges, AValueOutsideItsTypeIsRefusedAtItsPath)
-{
-    Json values     = Json::parse(GetParam().values);
-    values["phase"] = "stage_first";
-    EXPECT_EQ(GetParam().refusal, OnlyRefusal(values));
+    struct RangeCase
+    {
+        const char* values;
+        const char* refusal;
+    };
+    const RangeCase cases[] = {
+        {R"({"u8": 256})", "/values/u8: 256 is out of range for UInt8 (0 to 255)"},
+        {R"({"u16": -1})", "/values/u16: -1 is out of range for UInt16 (0 to 65535)"},
+        {R"({"i32": 2147483648})",
+         "/values/i32: 2147483648 is out of range for Int32 (-2147483648 to 2147483647)"},
+        {R"({"i64": -1e19})",
+         "/values/i64: -10000000000000000000 is out of range for Int64 (-9223372036854775808 to "
+         "9223372036854775807)"},
+        {R"({"u32": 2.5})", "/values/u32: expected a whole number (UInt32, 0 to 4294967295)"},
+        {R"({"u32": "0x100000000"})", "/values/u32: 4294967296 is out of range for UInt32 (0 to 4294967295)"},
+        {R"({"u32": "12"})", "/values/u32: expected a whole number (UInt32, 0 to 4294967295) or a "
+                              "hexadecimal text such as \"0x1F\", not \"12\""},
+        {R"({"flag": "yes"})", "/values/flag: expected a whole number (Boolean, -2147483648 to 2147483647) "
+                                "or a hexadecimal text such as \"0x1F\", not \"yes\""},
+        {R"({"u64": true})", "/values/u64: expected a whole number (UInt64, 0 to 18446744073709551615)"},
+        {R"({"gain": 1e39})", "/values/gain: 1e+39 is out of range for Float"},
+        {R"({"ratio": "2.5"})", "/values/ratio: expected a number"},
+        {R"({"curve": [0.5, "x"]})", "/values/curve/1: expected a number"},
+        {R"({"level": 65536})", "/values/level: 65536 is out of range for UInt16 (0 to 65535)"},
+        {R"({"chosenMode": -10})",
+         "/values/chosenMode: -10 is not a value of tonemetry_kind10Type::modeEnum (0, 10, 20)"},
+        {R"({"history": [0.5]})",
+         "/values/history/0: expected an enumerator of tonemetry_kind10Type::modeEnum, by name or number"},
+    };
+    for (const RangeCase& range : cases)
+    {
+        m_errors.clear();
+        Json values     = Json::parse(range.values);
+        values["phase"] = "stage_first";
+        EXPECT_EQ(range.refusal, OnlyRefusal(values)) << range.values;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, KindEncoderRanges,
-    testing::Values(
-        RangeCase{R"({"u8": 256})", "/values/u8: 256 is out of range for UInt8 (0 to 255)"},
-        RangeCase{R"({"u16": -1})", "/values/u16: -1 is out of range for UInt16 (0 to 65535)"},
-        RangeCase{R"({"i32": 2147483648})",
-                  "/values/i32: 2147483648 is out of range for Int32 (-2147483648 to 2147483647)"},
-        RangeCase{R"({"i64": -1e19})",
-                  "/values/i64: -10000000000000000000 is out of range for Int64 (-9223372036854775808 to "
-                  "9223372036854775807)"},
-        RangeCase{R"({"u32": 2.5})", "/values/u32: expected a whole number (UInt32, 0 to 4294967295)"},
-        RangeCase{R"({"u32": "0x100000000"})", "/values/u32: 4294967296 is out of range for UInt32 (0 to 4294967295)"},
-        RangeCase{R"({"u32": "12"})", "/values/u32: expected a whole number (UInt32, 0 to 4294967295) or a "
-                                      "hexadecimal text such as \"0x1F\", not \"12\""},
-        RangeCase{R"({"flag": "yes"})", "/values/flag: expected a whole number (Boolean, -2147483648 to 2147483647) "
-                                        "or a hexadecimal text such as \"0x1F\", not \"yes\""},
-        RangeCase{R"({"u64": true})", "/values/u64: expected a whole number (UInt64, 0 to 18446744073709551615)"},
-        RangeCase{R"({"gain": 1e39})", "/values/gain: 1e+39 is out of range for Float"},
-        RangeCase{R"({"ratio": "2.5"})", "/values/ratio: expected a number"},
-        RangeCase{R"({"curve": [0.5, "x"]})", "/values/curve/1: expected a number"},
-        RangeCase{R"({"level": 65536})", "/values/level: 65536 is out of range for UInt16 (0 to 65535)"},
-        RangeCase{R"({"chosenMode": -10})",
-                  "/values/chosenMode: -10 is not a value of tonemetry_kind10Type::modeEnum (0, 10, 20)"},
-        RangeCase{R"({"history": [0.5]})",
-                  "/values/history/0: expected an enumerator of tonemetry_kind10Type::modeEnum, by name or number"}));
 
 TEST_F(KindEncoder, RefusalsNameThePathOfEveryWrongValueInOneRun)
 {

@@ -129,52 +129,39 @@ std::vector<std::string> PatchRun(std::initializer_list<std::string> extra = {})
 
 // ---- Bad input: one line on stderr, nothing on stdout, status 2 ------------------------------
 
-struct BadInputCase
+TEST_F(PdlibRunTest, EachKindOfBadInputExitsWithStatus2AndOneLineNamingIt)
 {
-    const char*              name;
-    std::vector<std::string> arguments;
-    const char*              fragment; ///< what the message must name
-};
-
-void PrintTo(const BadInputCase& badInput, std::ostream* pOut)
-{
-    *pOut << badInput.name;
-}
-
-class PdlibRunBadInputTest : public PdlibRunTest, public ::testing::WithParamInterface<BadInputCase>
-{
-};
-
-TEST_P(PdlibRunBadInputTest, ExitsWithStatus2AndOneLine)
-{
-    ProcessResult result = Run(GetParam().arguments);
-    EXPECT_EQ(2, result.exitStatus);
-    EXPECT_EQ("", result.out);
-    ASSERT_FALSE(result.err.empty());
-    EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
-    EXPECT_EQ('\n', result.err.back());
-    EXPECT_EQ(0u, result.err.find("pdlib-run: ")) << result.err;
-    EXPECT_NE(std::string::npos, result.err.find(GetParam().fragment)) << result.err;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, PdlibRunBadInputTest,
-    ::testing::Values(
-        BadInputCase{"MissingCalib", {"--stats", "@patch.bin", "--format", "2"}, "--calib"},
-        BadInputCase{"Format0", {"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "0"}, "--format"},
-        BadInputCase{"Format4", {"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "4"}, "--format"},
-        BadInputCase{"BadNumber", PatchRun({"--gain", "1.5x"}), "--gain"},
-        BadInputCase{"WindowOutsideImage", PatchRun({"--window", "0.2,0.2,1.2,0.8"}), "--window"},
+    struct BadInput
+    {
+        std::vector<std::string> arguments;
+        const char*              fragment; ///< what the message must name
+    };
+    const BadInput cases[] = {
+        {{"--stats", "@patch.bin", "--format", "2"}, "--calib"},
+        {{"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "0"}, "--format"},
+        {{"--calib", "@patch.json", "--stats", "@patch.bin", "--format", "4"}, "--format"},
+        {PatchRun({"--gain", "1.5x"}), "--gain"},
+        {PatchRun({"--window", "0.2,0.2,1.2,0.8"}), "--window"},
         // Format 2, mode 2: ten header bytes and eight records of five.
-        BadInputCase{"ShortStats", {"--calib", "@patch.json", "--stats", "@short.bin", "--format", "2"},
-                     "needs 50 bytes, the file has 49"},
-        BadInputCase{"StatsIsDirectory", {"--calib", "@patch.json", "--stats", "@", "--format", "2"},
-                     "not a regular file"},
-        BadInputCase{"MalformedJson", {"--calib", "@malformed.json", "--stats", "@patch.bin", "--format", "2"},
-                     "malformed JSON"},
-        BadInputCase{"WrongArrayLength", {"--calib", "@short-array.json", "--stats", "@patch.bin", "--format", "2"},
-                     "slopeData: expected an array of 4 numbers, found 3"}),
-    [](const ::testing::TestParamInfo<BadInputCase>& info) { return std::string(info.param.name); });
+        {{"--calib", "@patch.json", "--stats", "@short.bin", "--format", "2"}, "needs 50 bytes, the file has 49"},
+        {{"--calib", "@patch.json", "--stats", "@", "--format", "2"}, "not a regular file"},
+        {{"--calib", "@malformed.json", "--stats", "@patch.bin", "--format", "2"}, "malformed JSON"},
+        {{"--calib", "@short-array.json", "--stats", "@patch.bin", "--format", "2"},
+         "slopeData: expected an array of 4 numbers, found 3"},
+    };
+    for (const BadInput& badInput : cases)
+    {
+        SCOPED_TRACE(badInput.fragment);
+        ProcessResult result = Run(badInput.arguments);
+        EXPECT_EQ(2, result.exitStatus);
+        EXPECT_EQ("", result.out);
+        ASSERT_FALSE(result.err.empty());
+        EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
+        EXPECT_EQ('\n', result.err.back());
+        EXPECT_EQ(0u, result.err.find("pdlib-run: ")) << result.err;
+        EXPECT_NE(std::string::npos, result.err.find(badInput.fragment)) << result.err;
+    }
+}
 
 TEST_F(PdlibRunTest, LibraryThatCannotBeLoadedExitsWithStatus1)
 {
@@ -237,64 +224,45 @@ TEST_F(PdlibRunTest, DefocusIsTheCalibrationAtTheAfWindowCentre)
     EXPECT_EQ(1023, windows[3]["confidence"]);
 }
 
-struct OptionCase
+TEST_F(PdlibRunTest, EachOptionReachesTheLibrary)
 {
-    const char*              name;
-    std::vector<std::string> extra;
-    int                      defocus0;
-    int                      defocus1;
-    int                      confidence0;
-    int                      confidence1;
-};
-
-void PrintTo(const OptionCase& option, std::ostream* pOut)
-{
-    *pOut << option.name;
-}
-
-class PdlibRunOptionTest : public PdlibRunTest, public ::testing::WithParamInterface<OptionCase>
-{
-};
-
-TEST_P(PdlibRunOptionTest, ReachesTheLibrary)
-{
-    std::vector<std::string> arguments = PatchRun();
-    arguments.insert(arguments.end(), GetParam().extra.begin(), GetParam().extra.end());
-    json report = RunJson(arguments);
-    ASSERT_TRUE(report.is_object());
-    ASSERT_EQ(8u, report["windows"].size());
-    EXPECT_EQ(GetParam().defocus0, report["windows"][0]["defocus"]);
-    EXPECT_EQ(GetParam().defocus1, report["windows"][1]["defocus"]);
-    EXPECT_EQ(GetParam().confidence0, report["windows"][0]["confidence"]);
-    EXPECT_EQ(GetParam().confidence1, report["windows"][1]["confidence"]);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Options, PdlibRunOptionTest,
-    ::testing::Values(
+    struct OptionCase
+    {
+        std::vector<std::string> extra;
+        int                      defocus0, defocus1, confidence0, confidence1;
+    };
+    const OptionCase cases[] = {
         // 20630 >> 4 and -15210 >> 4, the latter rounding down as an arithmetic shift does.
-        OptionCase{"Shift", {"--shift", "4"}, 1289, -951, 1023, 512},
+        {{"--shift", "4"}, 1289, -951, 1023, 512},
         // Confidence x 1024 / 200.
-        OptionCase{"Threshold", {"--threshold", "200"}, 20630, -15210, 512, 256},
+        {{"--threshold", "200"}, 20630, -15210, 512, 256},
         // Centre (1000, 750): the patch's first corner alone, slope 256 and offset 0.
-        OptionCase{"Window", {"--window", "0.2,0.2,0.3,0.3"}, 8192, -6144, 1023, 512},
+        {{"--window", "0.2,0.2,0.3,0.3"}, 8192, -6144, 1023, 512},
         // The whole of a 1000 x 750 crop at (500, 375) has the same centre (1000, 750).
-        OptionCase{"Crop", {"--crop", "500,375,1000,750", "--window", "0,0,1,1"}, 8192, -6144, 1023, 512}),
-    [](const ::testing::TestParamInfo<OptionCase>& info) { return std::string(info.param.name); });
-
-TEST_F(PdlibRunTest, TablesStartWithTheWindowCounts)
-{
-    ProcessResult result = Run(PatchRun());
-    ASSERT_EQ(0, result.exitStatus) << result.err;
-    EXPECT_EQ(0u, result.out.find("windows: 8 x 1 (8), result 0\n")) << result.out;
-    EXPECT_NE(std::string::npos, result.out.find("20630")) << result.out;
-    EXPECT_NE(std::string::npos, result.out.find("-64.0000")) << result.out;
+        {{"--crop", "500,375,1000,750", "--window", "0,0,1,1"}, 8192, -6144, 1023, 512},
+    };
+    for (const OptionCase& option : cases)
+    {
+        SCOPED_TRACE(option.extra.front());
+        std::vector<std::string> arguments = PatchRun();
+        arguments.insert(arguments.end(), option.extra.begin(), option.extra.end());
+        json report = RunJson(arguments);
+        ASSERT_TRUE(report.is_object());
+        ASSERT_EQ(8u, report["windows"].size());
+        EXPECT_EQ(option.defocus0, report["windows"][0]["defocus"]);
+        EXPECT_EQ(option.defocus1, report["windows"][1]["defocus"]);
+        EXPECT_EQ(option.confidence0, report["windows"][0]["confidence"]);
+        EXPECT_EQ(option.confidence1, report["windows"][1]["confidence"]);
+    }
 }
 
-TEST_F(PdlibRunTest, OnlyVerboseLetsTheLibrarysInfoLinesThrough)
+TEST_F(PdlibRunTest, TablesStartWithTheWindowCountsAndOnlyVerboseLetsTheLibrarysInfoLinesThrough)
 {
     ProcessResult quiet = Run(PatchRun());
-    ASSERT_EQ(0, quiet.exitStatus);
+    ASSERT_EQ(0, quiet.exitStatus) << quiet.err;
+    EXPECT_EQ(0u, quiet.out.find("windows: 8 x 1 (8), result 0\n")) << quiet.out;
+    EXPECT_NE(std::string::npos, quiet.out.find("20630")) << quiet.out;
+    EXPECT_NE(std::string::npos, quiet.out.find("-64.0000")) << quiet.out;
     EXPECT_EQ("", quiet.err);
 
     ProcessResult verbose = Run(PatchRun({"--verbose"}));

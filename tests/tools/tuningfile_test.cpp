@@ -621,37 +621,26 @@ TEST(TuningFileRefusals, WhatTheReaderImpliesAnywayIsAccepted)
 // ---------------------------------------------------------------------------------------------
 // Files on disk.
 
-class TuningFileOnDisk : public ::testing::Test
+std::string ReadFile(const std::string& path)
 {
-protected:
-    void TearDown() override { std::remove(m_path.c_str()); }
-
-    std::string Read() const
-    {
-        std::ifstream stream(m_path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-    }
-
-    const std::string m_path = ::testing::TempDir() + "tuningfile_" +
-                               ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".bin";
-};
-
-TEST_F(TuningFileOnDisk, WriteFileStoresTheImageOfWrite)
-{
-    std::string error;
-    ASSERT_TRUE(tuningfile::WriteFile(m_path, ThreeModes(), &error)) << error;
-    const std::vector<uint8_t> image = Written(ThreeModes());
-    EXPECT_EQ(Read(), std::string(image.begin(), image.end()));
+    std::ifstream stream(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
 }
 
-TEST_F(TuningFileOnDisk, RefusedModelLeavesNoFileAndBadPathsAreNamed)
+TEST(TuningFileOnDisk, WriteFileStoresTheImageOfWriteRefusesWithoutAFileAndNamesBadPaths)
 {
+    const std::string path = ::testing::TempDir() + "tuningfile_on_disk.bin";
+    std::string       error;
+    ASSERT_TRUE(tuningfile::WriteFile(path, ThreeModes(), &error)) << error;
+    const std::vector<uint8_t> image = Written(ThreeModes());
+    EXPECT_EQ(ReadFile(path), std::string(image.begin(), image.end()));
+    std::remove(path.c_str());
+
     TuningFileModel model = ThreeModes();
     model.version = Version{5, 1, 0};
-    std::string error;
-    EXPECT_FALSE(tuningfile::WriteFile(m_path, model, &error));
+    EXPECT_FALSE(tuningfile::WriteFile(path, model, &error));
     EXPECT_EQ(error, "version 5.1.0 is above 5.0.0, the newest version the reader accepts");
-    EXPECT_FALSE(std::ifstream(m_path).good());
+    EXPECT_FALSE(std::ifstream(path).good());
 
     const std::string missing = ::testing::TempDir() + "no_such_directory/file.bin";
     EXPECT_FALSE(tuningfile::WriteFile(missing, ThreeModes(), &error));
