@@ -11,7 +11,7 @@ CMAKE_FLAGS ?=
 BASE_PACKAGES  := cmake ninja-build g++ make
 TEST_PACKAGES  := libgtest-dev libgmock-dev
 TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev
-BENCH_PACKAGES := libbenchmark-dev valgrind
+BENCH_PACKAGES := libbenchmark-dev valgrind zlib1g-dev
 
 CONFIGURE = cmake -S . -G Ninja -Wno-dev
 
