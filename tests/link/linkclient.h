@@ -1,5 +1,5 @@
-// The desktop tool's side of the live tuning link, for tests and benchmarks: requests in wire
-// form, and a loopback client that reads whole packets, every wait bounded.
+// The desktop tool's side of the live tuning link, for tests and benchmarks: a loopback client
+// that reads whole packets, every wait bounded.
 #ifndef TESTS_LINK_LINKCLIENT_H
 #define TESTS_LINK_LINKCLIENT_H
 
@@ -8,24 +8,20 @@
 #include <string>
 #include <vector>
 
+#include "ravlenpacket.h"
+
 namespace linktest
 {
-using Bytes = std::vector<uint8_t>;
-
-constexpr uint16_t StartTag = 0x4B5A;
-
-/// A 6-byte header: start tag, command and the length field as given.
-Bytes Header(uint16_t command, uint16_t length);
-/// A request with an ID and a NUL-terminated text payload; the length field is the real one.
-Bytes Request(uint16_t command, uint32_t id, const std::string& payload);
-/// A request with an ID and raw payload bytes.
-Bytes RawRequest(uint16_t command, uint32_t id, const Bytes& payload);
-
-uint16_t U16At(const Bytes& packet, size_t offset);
-uint32_t U32At(const Bytes& packet, size_t offset);
-uint64_t U64At(const Bytes& packet, size_t offset);
-/// The text of a packet from `offset` to its first NUL (or its end).
-std::string TextAt(const Bytes& packet, size_t offset);
+// Packets in wire form are the desktop tool's own (tools/tonemetry/linkclient).
+using ravlen::Bytes;
+using ravlen::Header;
+using ravlen::RawRequest;
+using ravlen::Request;
+using ravlen::StartTag;
+using ravlen::TextAt;
+using ravlen::U16At;
+using ravlen::U32At;
+using ravlen::U64At;
 
 /// One connection to 127.0.0.1.
 class LinkClient
