@@ -1,29 +1,17 @@
 #include "serverprocess.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
-extern char** environ;
+#include "subprocess.h"
 
 namespace testsupport
 {
 namespace
 {
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream      file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 constexpr std::chrono::milliseconds PollStep(10);
 } // namespace
 
@@ -31,24 +19,7 @@ ServerProcess::ServerProcess(const std::string& program, const std::vector<std::
                              const std::string& scratchDirectory)
     : m_outPath(scratchDirectory + "/server.out"), m_errPath(scratchDirectory + "/server.err")
 {
-    std::vector<std::string> copies = arguments;
-    copies.insert(copies.begin(), program);
-    std::vector<char*> argv;
-    for (std::string& argument : copies)
-    {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, m_outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    posix_spawn_file_actions_addopen(&actions, 2, m_errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (0 != posix_spawn(&m_pid, program.c_str(), &actions, nullptr, argv.data(), environ))
-    {
-        m_pid = -1;
-    }
-    posix_spawn_file_actions_destroy(&actions);
+    m_pid = SpawnWithOutputFiles(program, arguments, m_outPath, m_errPath);
 }
 
 ServerProcess::~ServerProcess()
@@ -114,11 +85,11 @@ std::optional<int> ServerProcess::WaitForExit(std::chrono::milliseconds bound)
 
 std::string ServerProcess::Out() const
 {
-    return ReadAll(m_outPath);
+    return ReadFileText(m_outPath);
 }
 
 std::string ServerProcess::Err() const
 {
-    return ReadAll(m_errPath);
+    return ReadFileText(m_errPath);
 }
 } // namespace testsupport

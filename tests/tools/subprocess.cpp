@@ -11,27 +11,21 @@ extern char** environ;
 
 namespace testsupport
 {
-namespace
-{
-std::string ReadAll(const std::string& path)
+std::string ReadFileText(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
 }
-} // namespace
 
-ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& arguments,
-                         const std::string& scratchDirectory)
+pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::string>& arguments,
+                           const std::string& outPath, const std::string& errPath)
 {
-    const std::string outPath = scratchDirectory + "/stdout.txt";
-    const std::string errPath = scratchDirectory + "/stderr.txt";
-
-    std::vector<std::string> argumentCopies = arguments;
-    std::string programCopy = program;
-    std::vector<char*> argv = {programCopy.data()};
-    for (std::string& argument : argumentCopies)
+    std::vector<std::string> copies = arguments;
+    copies.insert(copies.begin(), program);
+    std::vector<char*> argv;
+    for (std::string& argument : copies)
     {
         argv.push_back(argument.data());
     }
@@ -41,18 +35,31 @@ ProcessResult RunProcess(const std::string& program, const std::vector<std::stri
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ);
+    pid_t pid = -1;
+    if (0 != posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ))
+    {
+        pid = -1;
+    }
     posix_spawn_file_actions_destroy(&actions);
+    return pid;
+}
+
+ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& arguments,
+                         const std::string& scratchDirectory)
+{
+    const std::string outPath = scratchDirectory + "/stdout.txt";
+    const std::string errPath = scratchDirectory + "/stderr.txt";
+
+    const pid_t pid = SpawnWithOutputFiles(program, arguments, outPath, errPath);
 
     ProcessResult result = {-1, "", ""};
     int status = 0;
-    if ((0 == spawned) && (pid == waitpid(pid, &status, 0)) && WIFEXITED(status))
+    if ((pid > 0) && (pid == waitpid(pid, &status, 0)) && WIFEXITED(status))
     {
         result.exitStatus = WEXITSTATUS(status);
     }
-    result.out = ReadAll(outPath);
-    result.err = ReadAll(errPath);
+    result.out = ReadFileText(outPath);
+    result.err = ReadFileText(errPath);
     return result;
 }
 } // namespace testsupport

@@ -2,6 +2,8 @@
 #ifndef TESTS_TOOLS_SUBPROCESS_H
 #define TESTS_TOOLS_SUBPROCESS_H
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -18,6 +20,14 @@ struct ProcessResult
 /// in `scratchDirectory`, so a chatty program cannot block on a full pipe.
 ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& arguments,
                          const std::string& scratchDirectory);
+
+/// Starts `program` with standard output and error written to the two files; the process id, or
+/// -1 when it could not start.
+pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::string>& arguments,
+                           const std::string& outPath, const std::string& errPath);
+
+/// The whole content of a file, empty when it cannot be read.
+std::string ReadFileText(const std::string& path);
 } // namespace testsupport
 
 #endif // TESTS_TOOLS_SUBPROCESS_H
