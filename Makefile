@@ -3,6 +3,8 @@
 #   make test   build with AddressSanitizer and UndefinedBehaviorSanitizer and run every test
 #   make bench  build optimised and run the benchmarks
 #   make tsan   build the concurrency tests with ThreadSanitizer and run them
+#   make format        format the tree's C++ sources with .clang-format
+#   make format-check  fail when a tracked C++ source is not formatted
 
 BUILD_DIR   ?= build
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
@@ -11,11 +13,12 @@ CMAKE_FLAGS ?=
 BASE_PACKAGES  := cmake ninja-build g++ make
 TEST_PACKAGES  := libgtest-dev libgmock-dev
 TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev
+FORMAT_PACKAGES := clang-format
 BENCH_PACKAGES := libbenchmark-dev valgrind zlib1g-dev
 
 CONFIGURE = cmake -S . -G Ninja -Wno-dev
 
-.PHONY: all demo test bench tsan clean deps-demo deps-test deps-bench
+.PHONY: all demo test bench tsan format format-check clean deps-demo deps-test deps-bench deps-format
 
 all: demo
 
@@ -65,6 +68,17 @@ tsan: deps-test
 	$(CONFIGURE) -B $(BUILD_DIR)/tsan -DCMAKE_BUILD_TYPE=Debug -DVARK_SANITIZE=thread $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR)/tsan -j $(JOBS) --target tsan_tests
 	ctest --test-dir $(BUILD_DIR)/tsan --output-on-failure -L tsan
+
+deps-format:
+	$(call install_packages,$(FORMAT_PACKAGES))
+
+FORMAT_SOURCES = git ls-files -z '*.cpp' '*.h'
+
+format: deps-format
+	$(FORMAT_SOURCES) | xargs -0 clang-format -i
+
+format-check: deps-format
+	$(FORMAT_SOURCES) | xargs -0 clang-format --dry-run --Werror
 
 clean:
 	rm -rf $(BUILD_DIR)

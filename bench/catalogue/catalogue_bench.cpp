@@ -88,9 +88,9 @@ void GetValueOfAnAbf34Leaf(benchmark::State& state)
         state.SkipWithError("the file did not load");
         return;
     }
-    TuningMode   root;
-    char const*  leaf  = "tonemetry_abf34_core.mod_abf34_drc_gain_data[2].drc_gain_data.mod_abf34_hdr_aec_data[3]"
-                         ".hdr_aec_data.mod_abf34_aec_data[5].abf34_rgn_data.edge_softness";
+    TuningMode       root;
+    char const*      leaf   = "tonemetry_abf34_core.mod_abf34_drc_gain_data[2].drc_gain_data.mod_abf34_hdr_aec_data[3]"
+                              ".hdr_aec_data.mod_abf34_aec_data[5].abf34_rgn_data.edge_softness";
     ParameterModule* module = manager->GetModule("abf34_ife", &root, 1, nullptr);
     char             value[64];
     for (auto _ : state)

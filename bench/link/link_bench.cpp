@@ -94,17 +94,15 @@ public:
             return;
         }
         m_port   = ntohs(address.sin_port);
-        m_thread = std::thread(
-            [this]
+        m_thread = std::thread([this] {
+            int     client = accept(m_listen, nullptr, nullptr);
+            uint8_t chunk[4096];
+            for (ssize_t received; (received = recv(client, chunk, sizeof(chunk), 0)) > 0;)
             {
-                int     client = accept(m_listen, nullptr, nullptr);
-                uint8_t chunk[4096];
-                for (ssize_t received; (received = recv(client, chunk, sizeof(chunk), 0)) > 0;)
-                {
-                    send(client, chunk, static_cast<size_t>(received), MSG_NOSIGNAL);
-                }
-                close(client);
-            });
+                send(client, chunk, static_cast<size_t>(received), MSG_NOSIGNAL);
+            }
+            close(client);
+        });
     }
     ~EchoServer()
     {
@@ -224,8 +222,7 @@ void MemoryOverMixedRequests(benchmark::State& state)
         linktest::Header(1, 6),
         linktest::Header(2, 6),
     };
-    auto exchange = [&client, &mixed](int count)
-    {
+    auto exchange = [&client, &mixed](int count) {
         for (int turn = 0; turn < count; ++turn)
         {
             if (client.Exchange(mixed[static_cast<size_t>(turn) % (sizeof(mixed) / sizeof(mixed[0]))]).empty())

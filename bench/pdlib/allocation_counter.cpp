@@ -6,12 +6,13 @@
 #include <new>
 
 // glibc's own allocator, under the names it keeps for interposers.
-extern "C" {
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* pMemory, size_t size);
-void* __libc_memalign(size_t alignment, size_t size);
-void  __libc_free(void* pMemory);
+extern "C"
+{
+    void* __libc_malloc(size_t size);
+    void* __libc_calloc(size_t count, size_t size);
+    void* __libc_realloc(void* pMemory, size_t size);
+    void* __libc_memalign(size_t alignment, size_t size);
+    void  __libc_free(void* pMemory);
 }
 
 // Exported from the executable even under hidden visibility: interposing needs the dynamic symbol.
@@ -48,57 +49,58 @@ uint64_t AllocationCount()
     return g_allocations.load(std::memory_order_relaxed);
 }
 
-extern "C" {
-ALLOCATION_HOOK void* malloc(size_t size) noexcept
+extern "C"
 {
-    CountAllocation();
-    return __libc_malloc(size);
-}
-
-ALLOCATION_HOOK void* calloc(size_t count, size_t size) noexcept
-{
-    CountAllocation();
-    return __libc_calloc(count, size);
-}
-
-ALLOCATION_HOOK void* realloc(void* pMemory, size_t size) noexcept
-{
-    CountAllocation();
-    return __libc_realloc(pMemory, size);
-}
-
-ALLOCATION_HOOK void free(void* pMemory) noexcept
-{
-    __libc_free(pMemory);
-}
-
-ALLOCATION_HOOK int posix_memalign(void** ppMemory, size_t alignment, size_t size) noexcept
-{
-    if (!IsValidAlignment(alignment))
+    ALLOCATION_HOOK void* malloc(size_t size) noexcept
     {
-        return EINVAL;
+        CountAllocation();
+        return __libc_malloc(size);
     }
-    CountAllocation();
-    void* pMemory = __libc_memalign(alignment, size);
-    if (nullptr == pMemory)
+
+    ALLOCATION_HOOK void* calloc(size_t count, size_t size) noexcept
     {
-        return ENOMEM;
+        CountAllocation();
+        return __libc_calloc(count, size);
     }
-    *ppMemory = pMemory;
-    return 0;
-}
 
-ALLOCATION_HOOK void* aligned_alloc(size_t alignment, size_t size) noexcept
-{
-    CountAllocation();
-    return __libc_memalign(alignment, size);
-}
+    ALLOCATION_HOOK void* realloc(void* pMemory, size_t size) noexcept
+    {
+        CountAllocation();
+        return __libc_realloc(pMemory, size);
+    }
 
-ALLOCATION_HOOK void* memalign(size_t alignment, size_t size) noexcept
-{
-    CountAllocation();
-    return __libc_memalign(alignment, size);
-}
+    ALLOCATION_HOOK void free(void* pMemory) noexcept
+    {
+        __libc_free(pMemory);
+    }
+
+    ALLOCATION_HOOK int posix_memalign(void** ppMemory, size_t alignment, size_t size) noexcept
+    {
+        if (!IsValidAlignment(alignment))
+        {
+            return EINVAL;
+        }
+        CountAllocation();
+        void* pMemory = __libc_memalign(alignment, size);
+        if (nullptr == pMemory)
+        {
+            return ENOMEM;
+        }
+        *ppMemory = pMemory;
+        return 0;
+    }
+
+    ALLOCATION_HOOK void* aligned_alloc(size_t alignment, size_t size) noexcept
+    {
+        CountAllocation();
+        return __libc_memalign(alignment, size);
+    }
+
+    ALLOCATION_HOOK void* memalign(size_t alignment, size_t size) noexcept
+    {
+        CountAllocation();
+        return __libc_memalign(alignment, size);
+    }
 }
 
 // The nothrow and aligned forms of libstdc++ come through these or through the malloc family.

@@ -14,7 +14,7 @@ class DefocusInput
 public:
     explicit DefocusInput(const PDAFDCCCalibrationData& calibration);
     // The record points into the object itself.
-    DefocusInput(const DefocusInput&) = delete;
+    DefocusInput(const DefocusInput&)            = delete;
     DefocusInput& operator=(const DefocusInput&) = delete;
 
     /// Sets what differs from window to window.
@@ -31,16 +31,16 @@ private:
     static const uint32_t ThresholdKnotsY = 6;
     static const uint32_t ThresholdPoints = 4;
 
-    PdLibInputData_t     m_data = {};
-    int64_t              m_slope[MaxPDAFKnotX * MaxPDAFKnotY] = {};
-    int64_t              m_offset[MaxPDAFKnotX * MaxPDAFKnotY] = {};
-    uint16_t             m_knotX[MaxPDAFKnotX] = {};
-    uint16_t             m_knotY[MaxPDAFKnotY] = {};
+    PdLibInputData_t     m_data                                     = {};
+    int64_t              m_slope[MaxPDAFKnotX * MaxPDAFKnotY]       = {};
+    int64_t              m_offset[MaxPDAFKnotX * MaxPDAFKnotY]      = {};
+    uint16_t             m_knotX[MaxPDAFKnotX]                      = {};
+    uint16_t             m_knotY[MaxPDAFKnotY]                      = {};
     DefocusOKNGThrLine_t m_lines[ThresholdKnotsX * ThresholdKnotsY] = {};
-    uint64_t             m_gainAxis[ThresholdPoints] = {};
-    uint64_t             m_thresholdAxis[ThresholdPoints] = {};
-    uint16_t             m_thresholdKnotX[ThresholdKnotsX] = {};
-    uint16_t             m_thresholdKnotY[ThresholdKnotsY] = {};
+    uint64_t             m_gainAxis[ThresholdPoints]                = {};
+    uint64_t             m_thresholdAxis[ThresholdPoints]           = {};
+    uint16_t             m_thresholdKnotX[ThresholdKnotsX]          = {};
+    uint16_t             m_thresholdKnotY[ThresholdKnotsY]          = {};
 };
 
 #endif // PDLIB_BENCH_DEFOCUS_INPUT_H

@@ -31,7 +31,7 @@ uint32_t DeliveredWindows(const PDLibOutputData& output)
 void BM_PDLibProcess(benchmark::State& state)
 {
     CloseLogGate();
-    PdLibHost host;
+    PdLibHost      host;
     const uint64_t allocationsBeforeOpen = AllocationCount();
     if (const char* pFailure = host.Open())
     {
@@ -76,13 +76,13 @@ void BM_PdLibGetDefocus(benchmark::State& state)
     DefocusInput input(calibration);
 
     // The sample frame's windows in turn, so that phase and confidence vary from call to call.
-    int64_t phases[sample::WindowCount];
+    int64_t  phases[sample::WindowCount];
     uint64_t confidences[sample::WindowCount];
     for (uint32_t i = 0; i < sample::WindowCount; i++)
     {
         const sample::Window window = sample::WindowAt(i);
-        phases[i] = window.rawPhase;
-        confidences[i] = window.confidence;
+        phases[i]                   = window.rawPhase;
+        confidences[i]              = window.confidence;
     }
 
     PdLibOutputData_t output;
@@ -93,7 +93,7 @@ void BM_PdLibGetDefocus(benchmark::State& state)
     }
 
     const uint64_t allocationsBefore = AllocationCount();
-    uint32_t window = 0;
+    uint32_t       window            = 0;
     for (auto _ : state)
     {
         input.SetWindow(phases[window], confidences[window]);

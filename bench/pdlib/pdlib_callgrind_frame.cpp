@@ -14,8 +14,8 @@ const unsigned long MaxFrames = 1000000;
 
 bool ParseFrameCount(const char* pText, unsigned long* pFrames)
 {
-    char* pEnd = nullptr;
-    errno = 0;
+    char* pEnd                 = nullptr;
+    errno                      = 0;
     const unsigned long frames = strtoul(pText, &pEnd, 10);
     if ((0 != errno) || (pEnd == pText) || ('\0' != *pEnd) || ('-' == pText[0]) || (frames > MaxFrames))
     {

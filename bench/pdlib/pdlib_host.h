@@ -14,7 +14,7 @@ class PdLibHost
 public:
     PdLibHost();
     ~PdLibHost();
-    PdLibHost(const PdLibHost&) = delete;
+    PdLibHost(const PdLibHost&)            = delete;
     PdLibHost& operator=(const PdLibHost&) = delete;
 
     /// KelPDLibraryEntry, pfnCreate for an actual open of camera 0, PDLibInitialize. Returns
@@ -32,7 +32,7 @@ public:
 private:
     // Parameters of the create and destroy lists, which point to them.
     UINT32          m_actualOpenOrClose = 1;
-    StatsCameraInfo m_cameraInfo = {StatsAlgoRoleDefault, 0};
+    StatsCameraInfo m_cameraInfo        = {StatsAlgoRoleDefault, 0};
 
     // The engine goes on pointing into the calibration: it outlives the instance.
     PDAFDCCCalibrationData             m_calibration;
@@ -41,7 +41,7 @@ private:
     std::unique_ptr<PDLibInputs>       m_inputs;
     std::unique_ptr<PDLibOutputs>      m_outputs;
     KelPDLibraryCallbacks              m_callbacks = {};
-    KELPDLib*                          m_pPDLib = nullptr;
+    KELPDLib*                          m_pPDLib    = nullptr;
 };
 
 #endif // PDLIB_BENCH_PDLIB_HOST_H

@@ -10,7 +10,7 @@
 
 namespace sample
 {
-const UINT32 ImageWidth = 4000;
+const UINT32 ImageWidth  = 4000;
 const UINT32 ImageHeight = 3000;
 const UINT32 WindowCount = 192; ///< window mode 0: 16 x 12
 

@@ -62,9 +62,8 @@ void Crc32ComputeCRC(benchmark::State& state)
 
 void Crc32Zlib(benchmark::State& state)
 {
-    Measure(state, [](const unsigned char* bytes, size_t length) {
-        return static_cast<uint32_t>(crc32_z(0, bytes, length));
-    });
+    Measure(state,
+            [](const unsigned char* bytes, size_t length) { return static_cast<uint32_t>(crc32_z(0, bytes, length)); });
 }
 
 BENCHMARK(Crc32Portable)->Unit(benchmark::kMillisecond);

@@ -116,9 +116,9 @@ void OpenFromBuffer(benchmark::State& state)
 
 void OpenFromFile(benchmark::State& state)
 {
-    const std::string path = "/tmp/store_open_bench_" + std::to_string(getpid()) + ".bin";
-    FILE*             file = fopen(path.c_str(), "wb");
-    bool loaded = (nullptr != file) && (fwrite(Image().data(), 1, Image().size(), file) == Image().size());
+    const std::string path   = "/tmp/store_open_bench_" + std::to_string(getpid()) + ".bin";
+    FILE*             file   = fopen(path.c_str(), "wb");
+    bool              loaded = (nullptr != file) && (fwrite(Image().data(), 1, Image().size(), file) == Image().size());
     if (nullptr != file)
     {
         fclose(file);

@@ -204,7 +204,7 @@ void ColdLoadOfOneModeWith20Modules(benchmark::State& state)
 void GetValueOfOneScalar(benchmark::State& state)
 {
     Loaded                  loaded(false);
-    std::vector<TuningMode> branch = Branch(3, 4);
+    std::vector<TuningMode> branch   = Branch(3, 4);
     char                    text[64] = "";
     bool                    read     = loaded.Valid(state);
     for (auto _ : state)

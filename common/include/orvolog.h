@@ -35,8 +35,7 @@ namespace Log
 {
 /// Receives every line that LogSystem writes. pLine has no trailing newline of its own
 /// unless the format put one there.
-typedef void (*LogSink)(OrvoLogGroup group, const CHAR* pLevelLetter, UINT32 level, const CHAR* pLine,
-                        VOID* pContext);
+typedef void (*LogSink)(OrvoLogGroup group, const CHAR* pLevelLetter, UINT32 level, const CHAR* pLine, VOID* pContext);
 
 /// Formats one line and hands it to the current sink (stderr by default).
 ORVO_COMMON_API void LogSystem(OrvoLogGroup group, const CHAR* pLevelLetter, UINT32 level, const CHAR* pFormat, ...)

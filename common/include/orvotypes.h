@@ -5,21 +5,21 @@
 #include <cstddef>
 #include <cstdint>
 
-typedef char CHAR;
-typedef int32_t BOOL;
-typedef int32_t INT;
-typedef int32_t INT32;
+typedef char     CHAR;
+typedef int32_t  BOOL;
+typedef int32_t  INT;
+typedef int32_t  INT32;
 typedef uint32_t UINT;
 typedef uint32_t UINT32;
-typedef int16_t INT16;
+typedef int16_t  INT16;
 typedef uint16_t UINT16;
-typedef int8_t INT8;
-typedef uint8_t UINT8;
-typedef int64_t INT64;
+typedef int8_t   INT8;
+typedef uint8_t  UINT8;
+typedef int64_t  INT64;
 typedef uint64_t UINT64;
-typedef float FLOAT;
-typedef double DOUBLE;
-typedef size_t SIZE_T;
-typedef void VOID;
+typedef float    FLOAT;
+typedef double   DOUBLE;
+typedef size_t   SIZE_T;
+typedef void     VOID;
 
 #endif // ORVOTYPES_H

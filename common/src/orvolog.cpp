@@ -8,8 +8,8 @@
 
 namespace Orvo
 {
-DebugLogInfo g_logInfo = {};
-UINT32 g_logInfoUpdated = 0;
+DebugLogInfo g_logInfo        = {};
+UINT32       g_logInfoUpdated = 0;
 
 namespace Log
 {
@@ -27,8 +27,8 @@ void StderrSink(OrvoLogGroup, const CHAR*, UINT32, const CHAR* pLine, VOID*)
 
 // Constant-initialised: nothing runs when the library loads.
 std::mutex g_sinkMutex;
-LogSink g_sink = StderrSink;
-VOID* g_sinkContext = nullptr;
+LogSink    g_sink        = StderrSink;
+VOID*      g_sinkContext = nullptr;
 
 constexpr size_t InlineLineSize = 1024;
 } // namespace
@@ -40,9 +40,9 @@ void LogSystem(OrvoLogGroup group, const CHAR* pLevelLetter, UINT32 level, const
         return;
     }
 
-    CHAR inlineLine[InlineLineSize];
+    CHAR              inlineLine[InlineLineSize];
     std::vector<CHAR> longLine;
-    const CHAR* pLine = inlineLine;
+    const CHAR*       pLine = inlineLine;
 
     va_list args;
     va_start(args, pFormat);
@@ -79,7 +79,7 @@ const CHAR* GetFileName(const CHAR* pPath)
 void SetLogSink(LogSink sink, VOID* pContext)
 {
     std::lock_guard<std::mutex> guard(g_sinkMutex);
-    g_sink = (nullptr == sink) ? StderrSink : sink;
+    g_sink        = (nullptr == sink) ? StderrSink : sink;
     g_sinkContext = (nullptr == sink) ? nullptr : pContext;
 }
 
@@ -94,7 +94,7 @@ void LoadLogSettings(OrvoLogGroup enableMask)
 
 void ResetLogSettings()
 {
-    g_logInfo = DebugLogInfo{};
+    g_logInfo        = DebugLogInfo{};
     g_logInfoUpdated = 0;
 }
 } // namespace Log

@@ -210,17 +210,14 @@ TEST_F(LinkLifecycle, TheHostFreesAndDeletesWhileTheToolIsBusy)
     uint16_t port = m_manager->GetTuningLinkPort();
     m_client.reset(); // one client at a time: the tool's
     std::atomic<int> replies{0};
-    std::thread      tool(
-        [port, &replies]
+    std::thread      tool([port, &replies] {
+        LinkClient client(port);
+        for (uint32_t id = 1; !client.Exchange(Request(6, id, "Default:demo10_ife:gain=2;label=x")).empty(); ++id)
         {
-            LinkClient client(port);
-            for (uint32_t id = 1; !client.Exchange(Request(6, id, "Default:demo10_ife:gain=2;label=x")).empty(); ++id)
-            {
-                ++replies;
-            }
-        });
-    auto waitForReplies = [&replies](int count)
-    {
+            ++replies;
+        }
+    });
+    auto             waitForReplies = [&replies](int count) {
         for (int turn = 0; (turn < 500) && (replies < count); ++turn)
         {
             std::this_thread::sleep_for(10ms);

@@ -27,9 +27,9 @@ protected:
     {
         m_manager.m_tuningEnabled         = false;
         tuningfile::TuningFileModel model = moduletest::ModelWithModes(GetParam());
-        model.modules = {moduletest::MakeModule("abf34_ife", cataloguedata::Abf34Version, 0,
-                                                cataloguedata::Abf34Data(DrcNodes, HdrNodes, AecNodes))};
-        std::vector<uint8_t> image = moduletest::Image(model);
+        model.modules                     = {moduletest::MakeModule("abf34_ife", cataloguedata::Abf34Version, 0,
+                                                                    cataloguedata::Abf34Data(DrcNodes, HdrNodes, AecNodes))};
+        std::vector<uint8_t> image        = moduletest::Image(model);
         ASSERT_TRUE(m_manager.LoadBinaryParameters(image.data(), image.size())) << m_manager.m_errorText;
         m_record = m_manager.GetModule_abf34_ife(&m_root, 1, nullptr);
         m_module = moduletest::Instance(m_manager, "abf34_ife");
@@ -155,7 +155,8 @@ TEST_P(Abf34Tree, ARegionsArraysReadWholeOrByIndexAndTakeNewValues)
     EXPECT_EQ(3u, leaf.distance_ker_tab.distance_ker[2]) << "past the text's end nothing changes";
 
     char out[256] = {};
-    ASSERT_TRUE(m_manager.GetValue(&m_root, 1, "abf34_ife.tonemetry_abf34_core.mod_abf34_drc_gain_data[1].drc_gain_trigger",
+    ASSERT_TRUE(m_manager.GetValue(&m_root, 1,
+                                   "abf34_ife.tonemetry_abf34_core.mod_abf34_drc_gain_data[1].drc_gain_trigger",
                                    nullptr, out, sizeof(out)));
     EXPECT_STREQ("start=1.0;end=2.0", out);
 }

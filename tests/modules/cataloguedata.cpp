@@ -30,12 +30,12 @@ DataBuilder FilterTrigger(int32_t base)
 DataBuilder PreProcess(int32_t axis)
 {
     DataBuilder pre;
-    pre.Enum(1);                                // sparseProcessingMode
-    pre.Enum(2).I32(1000 + axis);               // HDR
-    pre.I32(5).I32(6).I32(1002 + axis);         // boxFilterLength, antiAliasFilterThreshold, saturationThreshold
-    pre.Record(FilterTrigger(10 + axis));       // filterTrigger
-    pre.Record(FilterTrigger(30 + axis));       // lcrFilterTrigger
-    pre.Enum(1).Enum(2).Enum(0).I32(4).I32(1);  // lcrChannel .. lcrChannelSeparated
+    pre.Enum(1);                               // sparseProcessingMode
+    pre.Enum(2).I32(1000 + axis);              // HDR
+    pre.I32(5).I32(6).I32(1002 + axis);        // boxFilterLength, antiAliasFilterThreshold, saturationThreshold
+    pre.Record(FilterTrigger(10 + axis));      // filterTrigger
+    pre.Record(FilterTrigger(30 + axis));      // lcrFilterTrigger
+    pre.Enum(1).Enum(2).Enum(0).I32(4).I32(1); // lcrChannel .. lcrChannelSeparated
     return pre;
 }
 
@@ -76,9 +76,9 @@ DataBuilder HardwarePattern(int32_t pattern)
     instruction.Repeated(std::vector<int32_t>{7, 8}).Repeated(std::vector<float>{0.5f, 1.5f});
 
     DataBuilder data;
-    data.I32(1).I32(320).I32(240);                                                 // pixelExtractor
-    data.Repeated(std::vector<DataBuilder>{line0, line1});                         // lineExtractor
-    data.I32(16).I32(16).I32(8).I32(8);                                            // pixelSeparator ..
+    data.I32(1).I32(320).I32(240);                         // pixelExtractor
+    data.Repeated(std::vector<DataBuilder>{line0, line1}); // lineExtractor
+    data.I32(16).I32(16).I32(8).I32(8);                    // pixelSeparator ..
     data.Repeated(std::vector<int32_t>{1, 2, 3}).Repeated(std::vector<int32_t>{4, 5});
     data.I32(1).I32(8).I32(8).I32(4).I32(4).Repeated(std::vector<DataBuilder>{instruction}); // resampler
     data.F32(1.0f).F32(2.0f);
@@ -112,7 +112,7 @@ DataBuilder PDLibData()
         horizontal.push_back(DataBuilder().F32(0.25f * static_cast<float>(index)).I32(100 + index));
     }
     data.Enum(2).Repeated(horizontal).Repeated(std::vector<DataBuilder>{}); // HVControl
-    data.I32(4).I32(30);                                                     // skipControl
+    data.I32(4).I32(30);                                                    // skipControl
     for (int32_t member = 0; member < 12; ++member)
     {
         data.I32(500 + member); // hardwareGeometry
@@ -126,8 +126,7 @@ DataBuilder PDLibData()
 DataBuilder PDAFData()
 {
     int32_t next  = 1;
-    auto    count = [&next](DataBuilder& builder, int members) -> DataBuilder&
-    {
+    auto    count = [&next](DataBuilder& builder, int members) -> DataBuilder& {
         for (int member = 0; member < members; ++member)
         {
             builder.I32(next++);
@@ -138,50 +137,50 @@ DataBuilder PDAFData()
     auto table         = [](std::vector<DataBuilder> entries) { return DataBuilder().Repeated(entries); };
 
     DataBuilder data = Head(PDVersion, "pdaf");
-    data.I32(1); // is2PDEnable
-    data.Record(table({DataBuilder().I32(0).I32(0).I32(4).I32(3)}));                           // ROI
-    data.Record(table({}));                                                                    // focusTable
+    data.I32(1);                                                                                // is2PDEnable
+    data.Record(table({DataBuilder().I32(0).I32(0).I32(4).I32(3)}));                            // ROI
+    data.Record(table({}));                                                                     // focusTable
     data.Record(table({DataBuilder().F32(1.0f).F32(1.5f), DataBuilder().F32(8.0f).F32(2.5f)})); // noiseTable
-    data.Record(table({DataBuilder().F32(1.0f).I32(200)}));                                    // confidenceTable
-    data.Record(table({DataBuilder().F32(1.0f).I32(400)}));                                    // confidenceHighTable
-    data.U32(150);                                                                             // fallbackConfidence
-    data.Record(table({DataBuilder().I32(30).I32(2)}));                                        // stableTable
-    data.Record(table({DataBuilder().F32(0.0f).F32(1.0f)}));                                   // dofScalerTable
-    count(data, 7);                                                                            // focusScan
-    data.I32(1).I32(2).F32(0.5f).F32(0.5f).I32(3).I32(1).F32(1.0f).F32(2.0f);                  // sceneMonitor
-    count(data, 3).F32(1.0f).F32(2.0f).F32(3.0f).F32(4.0f);                                    // PDPreprocessing ..
+    data.Record(table({DataBuilder().F32(1.0f).I32(200)}));                                     // confidenceTable
+    data.Record(table({DataBuilder().F32(1.0f).I32(400)}));                                     // confidenceHighTable
+    data.U32(150);                                                                              // fallbackConfidence
+    data.Record(table({DataBuilder().I32(30).I32(2)}));                                         // stableTable
+    data.Record(table({DataBuilder().F32(0.0f).F32(1.0f)}));                                    // dofScalerTable
+    count(data, 7);                                                                             // focusScan
+    data.I32(1).I32(2).F32(0.5f).F32(0.5f).I32(3).I32(1).F32(1.0f).F32(2.0f);                   // sceneMonitor
+    count(data, 3).F32(1.0f).F32(2.0f).F32(3.0f).F32(4.0f);                                     // PDPreprocessing ..
     count(data, 3);
     data.Repeated(std::vector<int32_t>{11, 22, 33}).Repeated(std::vector<int32_t>{44});
     data.Repeated(std::vector<int32_t>{}).Repeated(std::vector<int32_t>{55, 66});
     data.I32(0).I32(1).I32(0).F32(0.5f).I32(1).F32(1.5f).I32(1).F32(0.25f).F32(0.75f).I32(0).F32(2.0f).I32(3);
     data.I32(1).U32(6); // PDInternal.cafStableFrameAllow
     data.I32(1).F32(0.1f).F32(0.2f).F32(0.3f).F32(0.4f).F32(3.0f).F32(3.0f).F32(0.5f).I32(40).F32(1.5f);
-    data.F32(0.25f).F32(1.0f).F32(2.0f);      // multiDepthDetect
-    data.F32(8.0f).F32(16.0f);                // lowLightDetect
-    data.I32(0);                              // lockToPeripheralDuringSearch
-    data.I32(1).F32(1.75f);                   // activZoomControl
-    data.I32(1).I32(80).I32(20).F32(0.5f);    // saliencyMWTuning
-    count(data, 3).F32(0.125f);               // enableCheckVHStatsRatio .. dynamicFrameSkipVBlankThreshold
-    data.I32(1).U32(12);                      // ledPdafMaxFrameAllow
-    count(data, 4);                           // sparsePDTouch.. LSPLowConfidenceHuntingThreshold
-    data.I32(1);                              // face.faceROIProcess
+    data.F32(0.25f).F32(1.0f).F32(2.0f);   // multiDepthDetect
+    data.F32(8.0f).F32(16.0f);             // lowLightDetect
+    data.I32(0);                           // lockToPeripheralDuringSearch
+    data.I32(1).F32(1.75f);                // activZoomControl
+    data.I32(1).I32(80).I32(20).F32(0.5f); // saliencyMWTuning
+    count(data, 3).F32(0.125f);            // enableCheckVHStatsRatio .. dynamicFrameSkipVBlankThreshold
+    data.I32(1).U32(12);                   // ledPdafMaxFrameAllow
+    count(data, 4);                        // sparsePDTouch.. LSPLowConfidenceHuntingThreshold
+    data.I32(1);                           // face.faceROIProcess
     roiDifference(data);
     roiDifference(data);
-    data.U32(7);                                        // face.minMoveThreshold
-    data.I32(1).U32(4).F32(0.0625f).F32(0.125f);        // face.ROIMoveConvergeSuppress
-    data.I32(1).U32(3).U32(300);                        // face.defocusFilter
-    data.I32(0).U32(5000);                              // face.fallback
-    data.I32(1).F32(0.2f).U32(3);                       // face.faceChangeRefocusTrigger
-    data.F32(0.3f).I32(1);                              // touch
-    roiDifference(data);                                // track
+    data.U32(7);                                 // face.minMoveThreshold
+    data.I32(1).U32(4).F32(0.0625f).F32(0.125f); // face.ROIMoveConvergeSuppress
+    data.I32(1).U32(3).U32(300);                 // face.defocusFilter
+    data.I32(0).U32(5000);                       // face.fallback
+    data.I32(1).F32(0.2f).U32(3);                // face.faceChangeRefocusTrigger
+    data.F32(0.3f).I32(1);                       // touch
+    roiDifference(data);                         // track
     roiDifference(data);
     data.U32(8).I32(1).U32(3).U32(310).I32(1).U32(6000);
-    roiDifference(data);                                // saliency
+    roiDifference(data); // saliency
     roiDifference(data);
     data.U32(9).I32(1).U32(3).U32(320).I32(1).U32(7000);
-    data.I32(1).U32(5).U32(9);                          // convergeDoneFilter
-    data.I32(1).U32(2);                                 // forceEnterFineSearch
-    data.I32(1).I32(0).I32(12);                         // advancedSparseControl
+    data.I32(1).U32(5).U32(9);  // convergeDoneFilter
+    data.I32(1).U32(2);         // forceEnterFineSearch
+    data.I32(1).I32(0).I32(12); // advancedSparseControl
     data.Record(table({DataBuilder().I32(-100).F32(0.5f)}));
     return data;
 }
@@ -189,12 +188,12 @@ DataBuilder PDAFData()
 DataBuilder Abf34Data(uint32_t drc, uint32_t hdr, uint32_t aec)
 {
     DataBuilder data;
-    data.I32(1).I32(0);                       // enable_section
-    data.Record(Head(Abf34Version, "abf34")); // module_version, parameter_version
-    data.Enum(1).Enum(0).Enum(4);             // control_variables
-    data.Enum(1).Enum(0);                     // control_method
-    data.I32(1).Enum(1).Enum(2).F32(1.0f).F32(2.0f).F32(3.0f).F32(4.0f); // dynamic_enable_triggers
-    data.U32(1).FixedArray(std::vector<float>{0.0f, 0.25f, 0.5f, 0.75f, 1.0f});   // reserve
+    data.I32(1).I32(0);                                                         // enable_section
+    data.Record(Head(Abf34Version, "abf34"));                                   // module_version, parameter_version
+    data.Enum(1).Enum(0).Enum(4);                                               // control_variables
+    data.Enum(1).Enum(0);                                                       // control_method
+    data.I32(1).Enum(1).Enum(2).F32(1.0f).F32(2.0f).F32(3.0f).F32(4.0f);        // dynamic_enable_triggers
+    data.U32(1).FixedArray(std::vector<float>{0.0f, 0.25f, 0.5f, 0.75f, 1.0f}); // reserve
 
     std::vector<float> noise(65);
     for (size_t index = 0; index < noise.size(); ++index)

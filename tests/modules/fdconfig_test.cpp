@@ -309,8 +309,9 @@ TEST_P(FdConfigFile, EveryMemberLoadsInBufferMode)
 
 INSTANTIATE_TEST_SUITE_P(Alignments, FdConfigFile,
                          testing::Values(moduletest::AlignmentOne, moduletest::AlignmentEight),
-                         [](const testing::TestParamInfo<tuningfile::Version>& info)
-                         { return "Version" + std::to_string(info.param.major); });
+                         [](const testing::TestParamInfo<tuningfile::Version>& info) {
+                             return "Version" + std::to_string(info.param.major);
+                         });
 
 TEST(FdConfigEnums, AValueOutsideTheEnumIsLoggedAndLeftZeroAndLaterMembersStillLoad)
 {

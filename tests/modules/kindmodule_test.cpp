@@ -150,8 +150,9 @@ TEST_P(KindFile, EveryMemberKindLoads)
 }
 
 INSTANTIATE_TEST_SUITE_P(Alignments, KindFile, testing::Values(moduletest::AlignmentOne, moduletest::AlignmentEight),
-                         [](const testing::TestParamInfo<tuningfile::Version>& info)
-                         { return "Version" + std::to_string(info.param.major); });
+                         [](const testing::TestParamInfo<tuningfile::Version>& info) {
+                             return "Version" + std::to_string(info.param.major);
+                         });
 
 TEST(KindNames, OneClassServesBothNamesWithInstancesOfTheirOwn)
 {
@@ -360,8 +361,7 @@ TEST_F(KindText, GetInfoListsTheMembersWithTheirRows)
     PList<ParameterParserInfo> rows;
     ASSERT_TRUE(m_module->GetInfo("", rows));
     ASSERT_EQ(26u, rows.count) << "one row per member of the top record";
-    auto row = [&](char const* name) -> const ParameterParserInfo&
-    {
+    auto row = [&](char const* name) -> const ParameterParserInfo& {
         for (uint32_t index = 0; index < rows.count; ++index)
         {
             if ((nullptr != rows[index].Name) && (std::string(name) == rows[index].Name))

@@ -70,7 +70,8 @@ TEST(ModulegenPending, AnEmptyOrNonTextMarkIsRefused)
         << Messages(diagnostics);
     diagnostics.clear();
     EXPECT_FALSE(LoadModuleWithPending("true", &set, &diagnostics));
-    EXPECT_NE(std::string::npos, Messages(diagnostics).find("/module/pending: must be a string")) << Messages(diagnostics);
+    EXPECT_NE(std::string::npos, Messages(diagnostics).find("/module/pending: must be a string"))
+        << Messages(diagnostics);
 }
 
 TEST(ModulegenPending, TheCatalogueMarksEveryModuleButTheCompleteOnes)

@@ -206,8 +206,9 @@ TEST_P(PdConfigFile, NestedStringsListsAndOptionalMembersLoadInBufferMode)
 
 INSTANTIATE_TEST_SUITE_P(Alignments, PdConfigFile,
                          testing::Values(moduletest::AlignmentOne, moduletest::AlignmentEight),
-                         [](const testing::TestParamInfo<tuningfile::Version>& info)
-                         { return "Version" + std::to_string(info.param.major); });
+                         [](const testing::TestParamInfo<tuningfile::Version>& info) {
+                             return "Version" + std::to_string(info.param.major);
+                         });
 
 TEST(PdConfigSharing, ModulesOfOneFileShareTheBlocksThatTheFileStoresOnce)
 {

@@ -244,8 +244,8 @@ TEST_F(PDTuningText, GetInfoShowsRowsWithArrayCountsAndLiveListCounts)
 TEST_F(PDTuningText, TheSetManagerReadsAndWritesByModuleNameAndMemberNames)
 {
     char out[1024] = {};
-    ASSERT_TRUE(m_manager.GetValue(&m_root, 1, "tonemetryPDAF.PDPreprocessing",
-                                   "PDDefocusHighScCheck,PDStdThreshold", out, sizeof(out)));
+    ASSERT_TRUE(m_manager.GetValue(&m_root, 1, "tonemetryPDAF.PDPreprocessing", "PDDefocusHighScCheck,PDStdThreshold",
+                                   out, sizeof(out)));
     EXPECT_STREQ("PDDefocusHighScCheck=11,22,33;PDStdThreshold=4.0", out);
     ASSERT_TRUE(m_manager.GetValue(&m_root, 1, "tonemetryPDAF.convergeDoneFilter", nullptr, out, sizeof(out)));
     EXPECT_STREQ("enable=1;length=5;threshold=9", out);

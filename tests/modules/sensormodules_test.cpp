@@ -86,10 +86,10 @@ const modulegen::SetManager* SensorModules::s_manager = nullptr;
 
 TEST_F(SensorModules, TheSetManagerRegistersEveryNameOfTheCatalogueInItsOrder)
 {
-    const std::vector<std::string> catalogue = {
-        "actuatorDriver",   "actuatorDriver1", "EEbinDriver",  "EEPROMDriverData", "flashDriverData",
-        "flashDriverDataSecondary", "cameraModuleData", "OISDriver", "PDConfigData", "sensorDriverData",
-        "sensorBinSocIdMap"};
+    const std::vector<std::string> catalogue = {"actuatorDriver",   "actuatorDriver1",  "EEbinDriver",
+                                                "EEPROMDriverData", "flashDriverData",  "flashDriverDataSecondary",
+                                                "cameraModuleData", "OISDriver",        "PDConfigData",
+                                                "sensorDriverData", "sensorBinSocIdMap"};
     std::vector<std::string>       registered;
     for (const modulegen::Registration& registration : s_manager->registrations)
     {
@@ -128,8 +128,9 @@ TEST_P(SensorModulesAtAlignment, EveryNameLoadsItsValuesInBufferMode)
 // Alignment 8 files are read in buffer mode only: file-mode re-reads use alignment 1.
 INSTANTIATE_TEST_SUITE_P(Alignments, SensorModulesAtAlignment,
                          testing::Values(moduletest::AlignmentOne, moduletest::AlignmentEight),
-                         [](const testing::TestParamInfo<tuningfile::Version>& info)
-                         { return "Version" + std::to_string(info.param.major); });
+                         [](const testing::TestParamInfo<tuningfile::Version>& info) {
+                             return "Version" + std::to_string(info.param.major);
+                         });
 
 TEST_F(SensorModules, EveryNameLoadsItsValuesLazilyFromAFile)
 {
@@ -156,10 +157,9 @@ TEST_F(SensorModules, TwoNamesOfOneClassLoadIndependentlyFromOneFile)
     // actuatorDriver in the root; actuatorDriver1 in the root and, with other values, in a use case;
     // of the flash class only the secondary name, whose type string begins with the other's.
     ASSERT_EQ("flashDriverDataSecondary", all[5].name);
-    std::vector<uint8_t> image = Image(moduletest::AlignmentOne, {Module(all[0].name, 0, all[0].values),
-                                                                  Module(all[1].name, 0, all[1].values),
-                                                                  Module(all[1].name, 1, all[0].values),
-                                                                  Module(all[5].name, 0, all[5].values)});
+    std::vector<uint8_t> image =
+        Image(moduletest::AlignmentOne, {Module(all[0].name, 0, all[0].values), Module(all[1].name, 0, all[1].values),
+                                         Module(all[1].name, 1, all[0].values), Module(all[5].name, 0, all[5].values)});
     ImageSensorModuleSetManager manager;
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
 
@@ -200,8 +200,8 @@ TEST_F(SensorModules, ASensorOfManyResolutionsAndRegisterSettingsLoadsEveryOne)
         }
         resolutions.push_back({{"frameRate", 30.0 + mode}, {"resolutionSettings", {{"registerSetting", settings}}}});
     }
-    const Json values = {{"resolutionInfo", Json::array({{{"resolutions", resolutions}}})}};
-    std::vector<uint8_t> image = Image(moduletest::AlignmentOne, {Module("sensorDriverData", 0, values)});
+    const Json                  values = {{"resolutionInfo", Json::array({{{"resolutions", resolutions}}})}};
+    std::vector<uint8_t>        image  = Image(moduletest::AlignmentOne, {Module("sensorDriverData", 0, values)});
     ImageSensorModuleSetManager manager;
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
 

@@ -94,8 +94,7 @@ void ExpectPowerSequence(const PowerSequenceInfo& sequence, uint32_t seed, uint3
 template <typename Record, typename Get>
 ExpectLoaded Fetching(Get get, void (*expect)(const Record&))
 {
-    return [get, expect](ImageSensorModuleSetManager& manager, TuningMode const* modes, unsigned count)
-    {
+    return [get, expect](ImageSensorModuleSetManager& manager, TuningMode const* modes, unsigned count) {
         Record* record = (manager.*get)(modes, count, nullptr);
         ASSERT_NE(nullptr, record);
         expect(*record);
@@ -107,7 +106,7 @@ ExpectLoaded Fetching(Get get, void (*expect)(const Record&))
 
 Json SensorDriverValues()
 {
-    Json values = Json::parse(R"json({
+    Json values                              = Json::parse(R"json({
         "slaveInfo": {"sensorName": "imx_vark", "moduleType": "ModuleType2", "slaveAddress": "0x34",
                       "sensorId": "0x0586", "i2cFrequencyMode": "I2CFrequencyMode3"},
         "regAddrInfo": {"xOutput": "0x034C", "shortCoarseIntegrationTime": "0x0224", "frameCountRegister": 5},
@@ -134,14 +133,14 @@ Json SensorDriverValues()
         "shdrInfo": {"shdrType": "SHDRTypeEnum5", "middleReadoutOffset": 24, "shortLineCountMargin": 12},
         "sensorModeIndex": 0
     })");
-    full["resolutionSettings"] = Settings(0x3000, 3);
-    values["resolutionInfo"]   = Json::array(
-        {{{"sensorVersion", 3}, {"resolutions", {full, {{"frameRate", 60.5}, {"frameLengthLines", 1550}}}}},
-           Json::object()});
-    values["streamOnSettings"]                                  = Settings(0x0100, 1);
-    values["masterSettings"]                                    = Settings(0x3F00, 2);
-    values["initSettings"]                                      = Json::array(
-        {{{"sensorVersion", 1}, {"settings", Settings(0x0136, 4)}}, {{"sensorVersion", 2}}});
+    full["resolutionSettings"]               = Settings(0x3000, 3);
+    values["resolutionInfo"] =
+        Json::array({{{"sensorVersion", 3}, {"resolutions", {full, {{"frameRate", 60.5}, {"frameLengthLines", 1550}}}}},
+                     Json::object()});
+    values["streamOnSettings"] = Settings(0x0100, 1);
+    values["masterSettings"]   = Settings(0x3F00, 2);
+    values["initSettings"] =
+        Json::array({{{"sensorVersion", 1}, {"settings", Settings(0x0136, 4)}}, {{"sensorVersion", 2}}});
     return values;
 }
 
@@ -199,8 +198,8 @@ void ExpectResolutions(const ResolutionInformation& info)
     EXPECT_EQ(60.5, bare.frameRate);
     EXPECT_EQ(1550u, bare.frameLengthLines);
     EXPECT_EQ(0u, bare.streamInfo.streamConfigurationCount + bare.exposureInfoCount + bare.capabilityCount);
-    EXPECT_EQ(0u, bare.vtPixelClockExists | bare.hdr3ExposureInfoExists | bare.shdrInfoExists |
-                      bare.sensorModeIndexExists);
+    EXPECT_EQ(0u,
+              bare.vtPixelClockExists | bare.hdr3ExposureInfoExists | bare.shdrInfoExists | bare.sensorModeIndexExists);
     EXPECT_EQ(nullptr, bare.exposureInfo);
 }
 
@@ -383,7 +382,7 @@ void ExpectActuator1(const ActuatorDriverData& record)
 
 Json EEbinValues()
 {
-    Json values             = Json::parse(R"([
+    Json values = Json::parse(R"([
         {"moduleName": "mod_a", "sensorName": "imx_vark", "actuatorName": "ak_0", "oisName": "ois_a"},
         {"moduleName": "mod_b", "sensorName": "imx_vark"}
     ])");
@@ -542,8 +541,8 @@ Json FlashValues(bool main)
         "flashInfo": {"triggerInfo": [{"gpio": 23}, {"gpio": 24, "triggerType": 2, "delayMicroseconds": 150}]},
         "flashCount": 2})");
     values["powerDownSequence"] = PowerSequence(510, 0x0A00);
-    values["i2cInfo"] = {{"slaveAddress", "0xC6"}, {"i2cFrequencyMode", "I2CFrequencyMode2"},
-                         {"highSettings", Settings(0x0A30, 2)}};
+    values["i2cInfo"]           = {
+                  {"slaveAddress", "0xC6"}, {"i2cFrequencyMode", "I2CFrequencyMode2"}, {"highSettings", Settings(0x0A30, 2)}};
     return values;
 }
 

@@ -71,12 +71,12 @@ public:
         confidence[0][1] = highGain;
     }
 
-    PdLibInputData_t     data          = {};
-    int64_t              slope[12]     = {};
-    int64_t              offset[12]    = {};
-    uint16_t             knotX[4]      = {100, 400, 700, 900};
-    uint16_t             knotY[3]      = {100, 400, 700};
-    uint64_t             gains[2]      = {0, 10};
+    PdLibInputData_t     data       = {};
+    int64_t              slope[12]  = {};
+    int64_t              offset[12] = {};
+    uint16_t             knotX[4]   = {100, 400, 700, 900};
+    uint16_t             knotY[3]   = {100, 400, 700};
+    uint64_t             gains[2]   = {0, 10};
     uint64_t             confidence[9][2];
     DefocusOKNGThrLine_t lines[9];
     uint16_t             thresholdX[3] = {200, 500, 800};
@@ -86,12 +86,19 @@ public:
 /// What PdLibGetDefocus gives: its result, then Defocus, DefocusConfidence,
 /// DefocusConfidenceLevel and PhaseDifference of the output.
 using Output = std::tuple<long, int64_t, int, uint64_t, int64_t>;
-enum OutputField { Rc, Defocus, Verdict, Level, Phase };
+enum OutputField
+{
+    Rc,
+    Defocus,
+    Verdict,
+    Level,
+    Phase
+};
 
 Output GetDefocus(DefocusInput& input)
 {
     PdLibOutputData_t out = {123, 45, 678, 9}; // unlike every initial value
-    const long rc = PdLibGetDefocus(&input.data, &out);
+    const long        rc  = PdLibGetDefocus(&input.data, &out);
     return {rc, out.Defocus, out.DefocusConfidence, out.DefocusConfidenceLevel, out.PhaseDifference};
 }
 
@@ -119,11 +126,21 @@ TEST(DefocusInputTest, EachRefusalKeepsTheInitialOutput)
         {"threshold x count 0 alone", [](DefocusInput& in) { in.data.XKnotNumDefocusOKNG = 0; }, -48},
         {"threshold x count 1 alone", [](DefocusInput& in) { in.data.XKnotNumDefocusOKNG = 1; }, -49},
         {"first line of 1 point", [](DefocusInput& in) { in.lines[0].PointNum = 1; }, -50},
-        {"first line of 1 point, no grid", [](DefocusInput& in) { in.SetThresholdCounts(0); in.lines[0].PointNum = 1; }, -50},
+        {"first line of 1 point, no grid",
+         [](DefocusInput& in) {
+             in.SetThresholdCounts(0);
+             in.lines[0].PointNum = 1;
+         },
+         -50},
         {"repeated threshold x", [](DefocusInput& in) { in.thresholdX[1] = 200; }, -51},
         {"falling threshold y", [](DefocusInput& in) { in.thresholdY[2] = 300; }, -52},
         {"density 2000", [](DefocusInput& in) { in.data.DensityOfPhasePix = 2000; }, -53},
-        {"first failure wins", [](DefocusInput& in) { in.data.XSizeOfImage = 1; in.data.DensityOfPhasePix = 0; }, -40},
+        {"first failure wins",
+         [](DefocusInput& in) {
+             in.data.XSizeOfImage      = 1;
+             in.data.DensityOfPhasePix = 0;
+         },
+         -40},
     };
     for (const Refusal& refusal : refusals)
     {
@@ -212,7 +229,7 @@ TEST(DefocusFormulaTest, ScalesSlopeByAdjCoeffAndPhaseThenAddsOffsetAndTruncates
 
 TEST(DefocusFormulaTest, LimitsAreAsymmetric)
 {
-    DefocusInput input;
+    DefocusInput  input;
     const int64_t limited[][2] = {{2147483645, 2147483645},   {2147483646, 2147483646},   {2147483647, 2147483646},
                                   {-2147483646, -2147483646}, {-2147483647, -2147483647}, {-2147483648, -2147483647}};
     for (const auto& pair : limited)

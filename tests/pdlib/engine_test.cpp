@@ -44,10 +44,7 @@ protected:
         return m_pEngine->Process(&m_inputs, m_pOutputs.get());
     }
 
-    const PDLibDefocusInfo& Window(uint32_t index) const
-    {
-        return m_pOutputs->libOutput.defocus[index];
-    }
+    const PDLibDefocusInfo& Window(uint32_t index) const { return m_pOutputs->libOutput.defocus[index]; }
 
     void ExpectZeroed(uint32_t index) const
     {
@@ -78,9 +75,9 @@ protected:
 TEST_F(EngineTest, InitializeLogsThePreparedValues)
 {
     EngineConfig config;
-    config.geometry  = {65536 + 1000, 803, 900, 700, 12, 34}; // full width cut to 16 bits
-    config.threshold = 300;
-    m_calibration    = pdtest::FlatCalibration(0.0F, 0.0F);
+    config.geometry        = {65536 + 1000, 803, 900, 700, 12, 34}; // full width cut to 16 bits
+    config.threshold       = 300;
+    m_calibration          = pdtest::FlatCalibration(0.0F, 0.0F);
     const float slopes[4]  = {0.3F, -0.3F, -1.00048828125F, 2.5F}; // x 1024: 307.2, -307.2, -1024.5, 2560
     const float offsets[4] = {12.9F, -12.9F, 0.99F, -0.99F};
     std::memcpy(m_calibration.slopeData, slopes, sizeof(slopes));
@@ -88,20 +85,19 @@ TEST_F(EngineTest, InitializeLogsThePreparedValues)
     ASSERT_EQ(KelResultSuccess, Start(config, &m_calibration));
 
     const std::set<std::string> messages = Messages();
-    for (const char* expected : {
-             "Current Image Size: (900, 700)", "Resolution Offset:(12, 34)", "Full Image Size: (1000, 803)",
-             "KnotNumSlopeOffset:(2, 2)", "AdjCoeffSlope: 2304", "DensityOfPhasePix: 2304",
-             "Defocus Bit Shift: 0", "Defocus Confidence Threshold: 300", "Sensor PD Stats Format: 2",
-             "    p_XAddressKnotSlopeOffset[1]: 1000", "    p_YAddressKnotSlopeOffset[1]: 1000",
-             "     slopeData[ 0]: 307, offsetData[ 0]: 12", "     slopeData[ 1]: -307, offsetData[ 1]: -12",
-             "     slopeData[ 2]: -1024, offsetData[ 2]: 0", "     slopeData[ 3]: 2560, offsetData[ 3]: 0",
-             "XKnotNumDefocusOKNG:8, YKnotNumDefocusOKNG: 6",
-             // i x 1000 / 7 and j x 803 / 5, rounded down
-             "     XAddressKnotDefocusOKNG[1]: 142", "     XAddressKnotDefocusOKNG[3]: 428",
-             "     XAddressKnotDefocusOKNG[6]: 857", "     XAddressKnotDefocusOKNG[7]: 1000",
-             "     YAddressKnotDefocusOKNG[2]: 321", "     YAddressKnotDefocusOKNG[3]: 481",
-             "     YAddressKnotDefocusOKNG[5]: 803", "DefocusOKNGThrLine[0].p_AnalogGain[2]:5",
-             "DefocusOKNGThrLine[47].p_AnalogGain[3]:8", "DefocusOKNGThrLine[47].p_Confidence[3]:300"})
+    for (const char* expected :
+         {"Current Image Size: (900, 700)", "Resolution Offset:(12, 34)", "Full Image Size: (1000, 803)",
+          "KnotNumSlopeOffset:(2, 2)", "AdjCoeffSlope: 2304", "DensityOfPhasePix: 2304", "Defocus Bit Shift: 0",
+          "Defocus Confidence Threshold: 300", "Sensor PD Stats Format: 2", "    p_XAddressKnotSlopeOffset[1]: 1000",
+          "    p_YAddressKnotSlopeOffset[1]: 1000", "     slopeData[ 0]: 307, offsetData[ 0]: 12",
+          "     slopeData[ 1]: -307, offsetData[ 1]: -12", "     slopeData[ 2]: -1024, offsetData[ 2]: 0",
+          "     slopeData[ 3]: 2560, offsetData[ 3]: 0", "XKnotNumDefocusOKNG:8, YKnotNumDefocusOKNG: 6",
+          // i x 1000 / 7 and j x 803 / 5, rounded down
+          "     XAddressKnotDefocusOKNG[1]: 142", "     XAddressKnotDefocusOKNG[3]: 428",
+          "     XAddressKnotDefocusOKNG[6]: 857", "     XAddressKnotDefocusOKNG[7]: 1000",
+          "     YAddressKnotDefocusOKNG[2]: 321", "     YAddressKnotDefocusOKNG[3]: 481",
+          "     YAddressKnotDefocusOKNG[5]: 803", "DefocusOKNGThrLine[0].p_AnalogGain[2]:5",
+          "DefocusOKNGThrLine[47].p_AnalogGain[3]:8", "DefocusOKNGThrLine[47].p_Confidence[3]:300"})
     {
         EXPECT_EQ(1U, messages.count(expected)) << expected;
     }
@@ -216,8 +212,8 @@ TEST_F(EngineTest, WritesOnlyTheCountsAndTheThreeFieldsOfEachWindow)
     ASSERT_EQ(KelResultSuccess, Frame());
 
     const std::unique_ptr<PDLibOutputs> pPristine = pdtest::MakePatternedOutputs();
-    const PDLibOutputData& before = pPristine->libOutput;
-    const PDLibOutputData& after  = m_pOutputs->libOutput;
+    const PDLibOutputData&              before    = pPristine->libOutput;
+    const PDLibOutputData&              after     = m_pOutputs->libOutput;
     EXPECT_EQ(8U, after.horizontalWindowCount);
     EXPECT_EQ(1U, after.verticalWindowCount);
     for (uint32_t index = 0; index < 8; ++index)
@@ -225,7 +221,8 @@ TEST_F(EngineTest, WritesOnlyTheCountsAndTheThreeFieldsOfEachWindow)
         EXPECT_EQ(0, std::memcmp(&before.defocus[index].defocusRange, &after.defocus[index].defocusRange,
                                  sizeof(PDLibRangeInfo)));
     }
-    EXPECT_EQ(0, std::memcmp(&before.defocus[8], &after.defocus[8], sizeof(PDLibDefocusInfo) * (PDLibMaxWindowCount - 8)));
+    EXPECT_EQ(0,
+              std::memcmp(&before.defocus[8], &after.defocus[8], sizeof(PDLibDefocusInfo) * (PDLibMaxWindowCount - 8)));
     EXPECT_EQ(before.isPeripheralValid, after.isPeripheralValid);
     EXPECT_EQ(0, std::memcmp(before.resultPeripheral, after.resultPeripheral, sizeof(before.resultPeripheral)));
     EXPECT_EQ(before.processingResult, after.processingResult);

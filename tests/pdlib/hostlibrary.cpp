@@ -54,20 +54,20 @@ const HostLibrary& Library()
 KelResult OpenCamera(KELPDLib** ppHandle, std::optional<UINT32> indicator, std::optional<UINT32> cameraId,
                      UINT32 indicatorSize)
 {
-    StatsCameraInfo info = {StatsAlgoRoleDefault, cameraId.value_or(0)};
-    std::vector<PDLibCreateParam> params = ParamList<PDLibCreateParam>(
-        PDLibCreateParamTypeCameraOpenIndicator, PDLibCreateParamTypeCameraInfo, indicator, indicatorSize,
-        cameraId.has_value() ? &info : nullptr);
+    StatsCameraInfo               info = {StatsAlgoRoleDefault, cameraId.value_or(0)};
+    std::vector<PDLibCreateParam> params =
+        ParamList<PDLibCreateParam>(PDLibCreateParamTypeCameraOpenIndicator, PDLibCreateParamTypeCameraInfo, indicator,
+                                    indicatorSize, cameraId.has_value() ? &info : nullptr);
     PDLibCreateParamList list = {params.data(), static_cast<UINT32>(params.size())};
     return Library().create(ppHandle, &list);
 }
 
 void CloseCamera(const KELPDLib& table, std::optional<UINT32> indicator, std::optional<UINT32> cameraId)
 {
-    StatsCameraInfo info = {StatsAlgoRoleDefault, cameraId.value_or(0)};
-    std::vector<PDLibDestroyParam> params = ParamList<PDLibDestroyParam>(
-        PDLibDestroyParamTypeCameraCloseIndicator, PDLibDestroyParamTypeCameraInfo, indicator, sizeof(UINT32),
-        cameraId.has_value() ? &info : nullptr);
+    StatsCameraInfo                info = {StatsAlgoRoleDefault, cameraId.value_or(0)};
+    std::vector<PDLibDestroyParam> params =
+        ParamList<PDLibDestroyParam>(PDLibDestroyParamTypeCameraCloseIndicator, PDLibDestroyParamTypeCameraInfo,
+                                     indicator, sizeof(UINT32), cameraId.has_value() ? &info : nullptr);
     PDLibDestroyParamList list = {params.data(), static_cast<UINT32>(params.size())};
     table.PDLibDestroy(nullptr, &list); // the handle argument is not looked at
 }

@@ -11,11 +11,11 @@ namespace pdtest
 {
 struct HostLibrary
 {
-    void*                       handle          = nullptr;
-    PFNKELPDLIBRARYENTRY        entry           = nullptr;
-    CREATEPD                    create          = nullptr;
-    PFNKELQUERYVENDORTAG        queryVendorTag  = nullptr;
-    PFNALGORITHMGETCAPABILITIES getCapabilities = nullptr;
+    void*                       handle            = nullptr;
+    PFNKELPDLIBRARYENTRY        entry             = nullptr;
+    CREATEPD                    create            = nullptr;
+    PFNKELQUERYVENDORTAG        queryVendorTag    = nullptr;
+    PFNALGORITHMGETCAPABILITIES getCapabilities   = nullptr;
     long (*getDefocus)(void* input, void* output) = nullptr;
 };
 

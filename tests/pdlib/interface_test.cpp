@@ -31,15 +31,9 @@ KELPDLib* const Untouched = reinterpret_cast<KELPDLib*>(0x5EED);
 class InterfaceTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_NE(nullptr, Library().entry);
-    }
+    void SetUp() override { ASSERT_NE(nullptr, Library().entry); }
 
-    void TearDown() override
-    {
-        pdtest::CloseAllCameras();
-    }
+    void TearDown() override { pdtest::CloseAllCameras(); }
 
     KELPDLib* Open(UINT32 cameraId)
     {
@@ -211,7 +205,8 @@ TEST_F(InterfaceTest, ASecondOpenGivesTheSameRecord)
 {
     KELPDLib* pHandle = Open(3);
     EXPECT_TRUE(LoggedOnce("CreatePDLib static create: overrideCameraOpen is 1"));
-    EXPECT_EQ(1U, m_log.Count("() PDLibData[camId:3] first time creation:" + PointerText(pHandle) + ", pPDCoreLibrary:"));
+    EXPECT_EQ(1U,
+              m_log.Count("() PDLibData[camId:3] first time creation:" + PointerText(pHandle) + ", pPDCoreLibrary:"));
 
     EXPECT_EQ(pHandle, Open(3));
     EXPECT_TRUE(LoggedOnce("PDLibData[camID:3] has been created before " + PointerText(pHandle)));
@@ -220,20 +215,20 @@ TEST_F(InterfaceTest, ASecondOpenGivesTheSameRecord)
 
 TEST_F(InterfaceTest, LaterListEntriesOverwriteEarlierOnes)
 {
-    UINT32 one = 1, zero = 0;
+    UINT32          one = 1, zero = 0;
     StatsCameraInfo three = {StatsAlgoRoleMaster, 3}, five = {StatsAlgoRoleSlave, 5};
     // The camera information is taken without a size test; other entry types are passed over.
-    PDLibCreateParam params[] = {{PDLibCreateParamTypeCameraOpenIndicator, &one, 4},
-                                 {PDLibCreateParamTypeCameraInfo, &three, 0},
-                                 {PDLibCreateParamTypeCameraInfo, &five, 0},
-                                 {PDLibCreateParamTypeLibName, &zero, 4},
-                                 {PDLibCreateParamTypeSessionHandle, &zero, 4}};
-    PDLibCreateParamList list = {params, 5};
-    KELPDLib* pHandle = nullptr;
+    PDLibCreateParam     params[] = {{PDLibCreateParamTypeCameraOpenIndicator, &one, 4},
+                                     {PDLibCreateParamTypeCameraInfo, &three, 0},
+                                     {PDLibCreateParamTypeCameraInfo, &five, 0},
+                                     {PDLibCreateParamTypeLibName, &zero, 4},
+                                     {PDLibCreateParamTypeSessionHandle, &zero, 4}};
+    PDLibCreateParamList list     = {params, 5};
+    KELPDLib*            pHandle  = nullptr;
     ASSERT_EQ(KelResultSuccess, Library().create(&pHandle, &list));
     EXPECT_TRUE(LoggedOnce("PDLibData creation: ID: 5"));
 
-    params[1] = {PDLibCreateParamTypeCameraOpenIndicator, &zero, 4};
+    params[1]          = {PDLibCreateParamTypeCameraOpenIndicator, &zero, 4};
     KELPDLib* pIgnored = Untouched;
     ASSERT_EQ(KelResultSuccess, Library().create(&pIgnored, &list));
     EXPECT_EQ(Untouched, pIgnored);
@@ -241,8 +236,8 @@ TEST_F(InterfaceTest, LaterListEntriesOverwriteEarlierOnes)
 
 TEST_F(InterfaceTest, OnlyACloseWithIndicator1FreesTheInstance)
 {
-    KELPDLib* pHandle    = Open(2);
-    const KELPDLib table = *pHandle;
+    KELPDLib*      pHandle = Open(2);
+    const KELPDLib table   = *pHandle;
     CloseCamera(table, 0U, 2U);
     CloseCamera(table, 1U, std::nullopt);
     CloseCamera(table, 1U, 8U);
@@ -272,10 +267,7 @@ TEST_F(InterfaceTest, EmptyCloseListReturnsAtOnce)
 /// calibration whose defocus is the phase in 1/16 pixel plus 10.
 struct HostFrame
 {
-    HostFrame()
-    {
-        buffer.SetWindow(0, 2047, 1.5F);
-    }
+    HostFrame() { buffer.SetWindow(0, 2047, 1.5F); }
 
     PDAFDCCCalibrationData             calibration = pdtest::FlatCalibration(1.0F / 1024.0F, 10.7F);
     std::unique_ptr<PDLibCreateParams> pParams     = pdtest::MakeCreateParams(pdtest::EngineConfig(), &calibration);
@@ -311,8 +303,8 @@ TEST_F(InterfaceTest, FramesOfAnInstanceOutliveIgnoredAndRepeatedOpens)
 
 TEST_F(InterfaceTest, TableFunctionsRefuseNullArguments)
 {
-    HostFrame frame;
-    KELPDLib* pHandle            = Open(5);
+    HostFrame         frame;
+    KELPDLib*         pHandle    = Open(5);
     PDLibInternalData engineless = *reinterpret_cast<PDLibInternalData*>(pHandle);
     engineless.pPDCoreLibrary    = nullptr;
     PDLibConfigParams config     = {};
@@ -349,7 +341,7 @@ TEST_F(InterfaceTest, TableFunctionsRefuseNullArguments)
 
 TEST_F(InterfaceTest, GetParamZeroesOnlyTheFirst32BitsForTheHardwareConfiguration)
 {
-    KELPDLib* pHandle = Open(6);
+    KELPDLib*     pHandle = Open(6);
     unsigned char bytes[8];
     std::memset(bytes, 0xFF, sizeof(bytes));
     PDLibGetParamOutput output = {bytes, 0, 77};

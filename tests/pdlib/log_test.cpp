@@ -44,7 +44,8 @@ void ExpectLine(const std::vector<CapturedLine>& lines, const ExpectedLine& expe
         }
     }
     ASSERT_NE(nullptr, pFound);
-    const std::regex form("^(\\[[ A-Z]{5}\\])(-?\\d+) (-?\\d+) (\\[[A-Z_ ]+\\]) ([^ :]+):(\\d+) ([A-Za-z_0-9]+)\\(\\) ");
+    const std::regex form(
+        "^(\\[[ A-Z]{5}\\])(-?\\d+) (-?\\d+) (\\[[A-Z_ ]+\\]) ([^ :]+):(\\d+) ([A-Za-z_0-9]+)\\(\\) ");
     std::smatch parts;
     ASSERT_TRUE(std::regex_search(pFound->text, parts, form)) << pFound->text;
     EXPECT_EQ(expected.mark, parts[1].str());
@@ -62,10 +63,7 @@ void ExpectLine(const std::vector<CapturedLine>& lines, const ExpectedLine& expe
 class LogTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_NE(nullptr, Library().entry);
-    }
+    void SetUp() override { ASSERT_NE(nullptr, Library().entry); }
 
     void CallEntry()
     {
@@ -76,12 +74,12 @@ protected:
     /// Opens camera 0, runs one frame at gain 2 and closes the camera again.
     void RunFrame()
     {
-        PDAFDCCCalibrationData calibration = pdtest::FlatCalibration(0.0F, 0.0F);
-        std::unique_ptr<PDLibCreateParams> pParams = pdtest::MakeCreateParams(pdtest::EngineConfig(), &calibration);
-        pdtest::StatBuffer buffer(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, 0x80);
-        PDLibInputs inputs = pdtest::MakeInputs(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 2.0F);
-        std::unique_ptr<PDLibOutputs> pOutputs = pdtest::MakePatternedOutputs();
-        KELPDLib* pHandle = nullptr;
+        PDAFDCCCalibrationData             calibration = pdtest::FlatCalibration(0.0F, 0.0F);
+        std::unique_ptr<PDLibCreateParams> pParams     = pdtest::MakeCreateParams(pdtest::EngineConfig(), &calibration);
+        pdtest::StatBuffer                 buffer(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, 0x80);
+        PDLibInputs                        inputs   = pdtest::MakeInputs(buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 2.0F);
+        std::unique_ptr<PDLibOutputs>      pOutputs = pdtest::MakePatternedOutputs();
+        KELPDLib*                          pHandle  = nullptr;
         ASSERT_EQ(KelResultSuccess, pdtest::OpenCamera(&pHandle, 1U, 0U));
         pHandle->PDLibInitialize(pHandle, pParams.get());
         pHandle->PDLibProcess(pHandle, &inputs, pOutputs.get());
@@ -103,7 +101,8 @@ TEST_F(LogTest, LinesCarryMarkPidTidTagFileLineFunctionAndLevel)
          "Invalid argument: pCallBacks is NULL"},
         {"[ INFO]", "I", OrvoLogInfo, OrvoLogGroupAF, "[STATS_AF]", "orvopdlibinterface.cpp", "KelPDLibraryEntry",
          "KelPDLibrarEntry"},
-        {"[ VERB]", "V", OrvoLogVerbose, OrvoLogGroupAF, "[STATS_AF]", "pdlib_type1.cpp", "Process", "imageAnalogGain:2"},
+        {"[ VERB]", "V", OrvoLogVerbose, OrvoLogGroupAF, "[STATS_AF]", "pdlib_type1.cpp", "Process",
+         "imageAnalogGain:2"},
     };
     const std::vector<CapturedLine> lines = m_log.Lines();
     for (const ExpectedLine& line : expected)

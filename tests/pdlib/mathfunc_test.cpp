@@ -11,13 +11,13 @@
 namespace
 {
 /// Status and result; the result starts at 0x5EED, so a refusal that writes shows.
-using Outcome = std::pair<int, long>;
+using Outcome            = std::pair<int, long>;
 constexpr long Unwritten = 0x5EED;
 
 long Line(long x0, long y0, long x1, long y1, long at)
 {
-    long x[2] = {x0, x1};
-    long y[2] = {y0, y1};
+    long x[2]   = {x0, x1};
+    long y[2]   = {y0, y1};
     long result = Unwritten;
     CalcAddressOnLine_slXslY(x, y, at, &result);
     return result;
@@ -26,14 +26,14 @@ long Line(long x0, long y0, long x1, long y1, long at)
 Outcome BrokenLine(std::vector<unsigned long> x, std::vector<unsigned long> y, unsigned long at)
 {
     unsigned long result = Unwritten;
-    int rc = CalcAddressOnBrokenLine_ulXulY(x.data(), y.data(), x.size(), at, &result);
+    int           rc     = CalcAddressOnBrokenLine_ulXulY(x.data(), y.data(), x.size(), at, &result);
     return {rc, static_cast<long>(result)};
 }
 
 Outcome Plane(std::array<long, 2> x, std::array<long, 2> y, std::array<long, 4> z, long atX, long atY)
 {
     long result = Unwritten;
-    int rc = CalcAddressOnPlane_slXslYslZ(x.data(), y.data(), z.data(), atX, atY, &result);
+    int  rc     = CalcAddressOnPlane_slXslYslZ(x.data(), y.data(), z.data(), atX, atY, &result);
     return {rc, result};
 }
 

@@ -33,9 +33,9 @@ protected:
     std::unique_ptr<Parsed> Parse(PDLibSensorPDStatsFormat format, StatBuffer& buffer)
     {
         pdtest::EngineConfig config;
-        config.format = format;
+        config.format                              = format;
         std::unique_ptr<PDLibCreateParams> pParams = pdtest::MakeCreateParams(config, nullptr);
-        auto pEngine = std::make_unique<pdlib_type1>();
+        auto                               pEngine = std::make_unique<pdlib_type1>();
         EXPECT_EQ(KelResultSuccess, pEngine->Initialize(pParams.get()));
         auto pParsed = std::make_unique<Parsed>();
         std::memset(pParsed->windows, 0xA5, sizeof(pParsed->windows));
@@ -135,8 +135,9 @@ TEST_F(ParserTest, Modes0And1ReadTheirRecordsWithTheirStrides)
 
 TEST_F(ParserTest, Mode3AndUnsupportedFormatsAreRefusedBeforeAnyWindow)
 {
-    for (PDLibSensorPDStatsFormat format : {PDLibSensorPDStatsCustom, PDLibSensorPDStatsRaw10Conf8BitPd10Bit,
-                                            PDLibSensorPDStatsRaw10Conf11BitPd11Bit, PDLibSensorPDStatsRaw10Conf11BitPd10Bit})
+    for (PDLibSensorPDStatsFormat format :
+         {PDLibSensorPDStatsCustom, PDLibSensorPDStatsRaw10Conf8BitPd10Bit, PDLibSensorPDStatsRaw10Conf11BitPd11Bit,
+          PDLibSensorPDStatsRaw10Conf11BitPd10Bit})
     {
         SCOPED_TRACE(testing::Message() << "format " << format);
         m_log.Clear();
@@ -159,7 +160,7 @@ TEST_F(ParserTest, OnlyBits7And6OfByte1SelectTheMode)
     const std::pair<uint8_t, uint32_t> modes[] = {{0x3F, 192}, {0x7F, 48}, {0xBF, 8}, {0xFF, 0}};
     for (const auto& mode : modes)
     {
-        StatBuffer buffer(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, mode.first);
+        StatBuffer              buffer(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, mode.first);
         std::unique_ptr<Parsed> parsed = Parse(PDLibSensorPDStatsRaw10Conf8BitPd10Bit, buffer);
         EXPECT_EQ(mode.second, parsed->horizontal * parsed->vertical) << "byte 1 " << int{mode.first};
     }

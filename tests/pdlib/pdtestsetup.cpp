@@ -27,7 +27,7 @@ PDAFDCCCalibrationData FlatCalibration(FLOAT slope, FLOAT offset)
 PDAFDCCCalibrationData RampCalibration()
 {
     PDAFDCCCalibrationData calibration = FlatCalibration(0.0F, 0.0F);
-    const FLOAT offsets[4] = {0.0F, 1000.0F, 1000000.0F, 1001000.0F};
+    const FLOAT            offsets[4]  = {0.0F, 1000.0F, 1000000.0F, 1001000.0F};
     std::memcpy(calibration.offsetData, offsets, sizeof(offsets));
     return calibration;
 }
@@ -35,19 +35,19 @@ PDAFDCCCalibrationData RampCalibration()
 std::unique_ptr<PDLibCreateParams> MakeCreateParams(const EngineConfig& config, PDAFDCCCalibrationData* pCalibration)
 {
     std::unique_ptr<PDLibCreateParams> pParams(new PDLibCreateParams());
-    PDLibInitParam& init        = pParams->initParam;
-    PDLibSensorNativeInfo& info = init.nativePatternInfo;
-    info.originalImageWidth     = config.geometry.fullWidth;
-    info.originalImageHeight    = config.geometry.fullHeight;
-    info.currentImageWidth      = config.geometry.currentWidth;
-    info.currentImageHeight     = config.geometry.currentHeight;
-    info.cropRegion.x           = config.geometry.cropX;
-    info.cropRegion.y           = config.geometry.cropY;
-    info.PDOffsetCorrection     = config.correction;
-    init.pCalibrationParam          = pCalibration;
-    init.defocusBitShift            = config.bitShift;
-    init.defocusConfidenceThreshold = config.threshold;
-    init.sensorPDStatsFormat        = config.format;
+    PDLibInitParam&                    init = pParams->initParam;
+    PDLibSensorNativeInfo&             info = init.nativePatternInfo;
+    info.originalImageWidth                 = config.geometry.fullWidth;
+    info.originalImageHeight                = config.geometry.fullHeight;
+    info.currentImageWidth                  = config.geometry.currentWidth;
+    info.currentImageHeight                 = config.geometry.currentHeight;
+    info.cropRegion.x                       = config.geometry.cropX;
+    info.cropRegion.y                       = config.geometry.cropY;
+    info.PDOffsetCorrection                 = config.correction;
+    init.pCalibrationParam                  = pCalibration;
+    init.defocusBitShift                    = config.bitShift;
+    init.defocusConfidenceThreshold         = config.threshold;
+    init.sensorPDStatsFormat                = config.format;
     return pParams;
 }
 
@@ -64,25 +64,25 @@ size_t StatBuffer::RecordStart() const
 
 void StatBuffer::SetRecordAt(size_t offset, uint32_t confidence, float phase)
 {
-    const uint32_t raw = static_cast<uint32_t>(static_cast<int32_t>(std::lround(phase * 16.0F)));
-    uint8_t* pRecord   = Bytes() + offset;
+    const uint32_t raw     = static_cast<uint32_t>(static_cast<int32_t>(std::lround(phase * 16.0F)));
+    uint8_t*       pRecord = Bytes() + offset;
     switch (m_format)
     {
-    case PDLibSensorPDStatsRaw10Conf8BitPd10Bit:
-        pRecord[0] = static_cast<uint8_t>(confidence);
-        pRecord[1] = static_cast<uint8_t>(raw >> 2);
-        pRecord[2] = static_cast<uint8_t>((raw & 0x3U) << 6);
-        break;
-    case PDLibSensorPDStatsRaw10Conf11BitPd11Bit:
-        pRecord[0] = static_cast<uint8_t>(confidence >> 3);
-        pRecord[1] = static_cast<uint8_t>(((confidence & 0x7U) << 5) | ((raw >> 6) & 0x1FU));
-        pRecord[2] = static_cast<uint8_t>((raw & 0x3FU) << 2);
-        break;
-    default:
-        pRecord[0] = static_cast<uint8_t>(confidence >> 3);
-        pRecord[1] = static_cast<uint8_t>(((confidence & 0x7U) << 5) | ((raw >> 5) & 0x1FU));
-        pRecord[2] = static_cast<uint8_t>((raw & 0x1FU) << 3);
-        break;
+        case PDLibSensorPDStatsRaw10Conf8BitPd10Bit:
+            pRecord[0] = static_cast<uint8_t>(confidence);
+            pRecord[1] = static_cast<uint8_t>(raw >> 2);
+            pRecord[2] = static_cast<uint8_t>((raw & 0x3U) << 6);
+            break;
+        case PDLibSensorPDStatsRaw10Conf11BitPd11Bit:
+            pRecord[0] = static_cast<uint8_t>(confidence >> 3);
+            pRecord[1] = static_cast<uint8_t>(((confidence & 0x7U) << 5) | ((raw >> 6) & 0x1FU));
+            pRecord[2] = static_cast<uint8_t>((raw & 0x3FU) << 2);
+            break;
+        default:
+            pRecord[0] = static_cast<uint8_t>(confidence >> 3);
+            pRecord[1] = static_cast<uint8_t>(((confidence & 0x7U) << 5) | ((raw >> 5) & 0x1FU));
+            pRecord[2] = static_cast<uint8_t>((raw & 0x1FU) << 3);
+            break;
     }
 }
 
@@ -103,11 +103,11 @@ UINT16* StatBuffer::PDBuffer()
 
 PDLibInputs MakeInputs(StatBuffer& buffer, PDLibWindowInfo window, FLOAT gain)
 {
-    PDLibInputs inputs                            = {};
-    inputs.processParam.pPDBuffer                 = buffer.PDBuffer();
-    inputs.processParam.PDBufferSize              = BufferBytes;
+    PDLibInputs inputs                             = {};
+    inputs.processParam.pPDBuffer                  = buffer.PDBuffer();
+    inputs.processParam.PDBufferSize               = BufferBytes;
     inputs.processParam.windowConfig.fixedAFWindow = window;
-    inputs.processParam.imageAnalogGain           = gain;
+    inputs.processParam.imageAnalogGain            = gain;
     return inputs;
 }
 

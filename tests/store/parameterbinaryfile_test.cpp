@@ -87,8 +87,8 @@ TEST_F(ParameterBinaryFileTest, FourBytesAreTooFewToValidateAndFiveCheckTheirOne
 
 TEST_F(ParameterBinaryFileTest, MismatchReportsStoredAndComputedValues)
 {
-    std::vector<unsigned char> image = Stamped(Bytes({9, 8, 7, 6, 5}));
-    uint32_t computed = ParameterBinaryFile::ComputeCRC(image.data(), 5);
+    std::vector<unsigned char> image    = Stamped(Bytes({9, 8, 7, 6, 5}));
+    uint32_t                   computed = ParameterBinaryFile::ComputeCRC(image.data(), 5);
     image[5] ^= 0xFF; // spoil the stored value's low byte
     uint32_t stored = static_cast<uint32_t>(image[5]) | (static_cast<uint32_t>(image[6]) << 8) |
                       (static_cast<uint32_t>(image[7]) << 16) | (static_cast<uint32_t>(image[8]) << 24);
@@ -285,7 +285,8 @@ TEST_F(ParameterBinaryFileTest, FailingDiskReadRetriesFourTimes)
     EXPECT_FALSE(file.Read(buffer, 0, &pos, 32, 1));
     EXPECT_EQ(8u, pos);
     EXPECT_EQ(3u, m_log.Count("ParameterBinaryFile::Read failed, retrying\n"));
-    EXPECT_EQ(4u, m_log.Count("Read failed to read from file, ferror: 0, offset: 0, pos: 8, requested: 32, actual: 8\n"));
+    EXPECT_EQ(4u,
+              m_log.Count("Read failed to read from file, ferror: 0, offset: 0, pos: 8, requested: 32, actual: 8\n"));
     EXPECT_FALSE(file.m_modified);
     EXPECT_NE(nullptr, file.m_file);
 }

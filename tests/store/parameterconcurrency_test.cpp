@@ -22,8 +22,8 @@
 namespace
 {
 using namespace std::chrono_literals;
-using storetest::Branch;
 using storetest::BpsGain;
+using storetest::Branch;
 using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
@@ -84,10 +84,10 @@ protected:
         Publish(m_file, 0);
     }
 
-    storetest::Watchdog  m_watchdog{WatchdogTime};
-    LogCapture           m_log;
-    TempFile             m_file{"concurrency"};
-    NoLinkSetManager m_manager;
+    storetest::Watchdog m_watchdog{WatchdogTime};
+    LogCapture          m_log;
+    TempFile            m_file{"concurrency"};
+    NoLinkSetManager    m_manager;
 };
 
 // Each round changes the file and unloads the use cases, then lets four readers ask at once:
@@ -107,8 +107,8 @@ TEST_F(StoreConcurrency, ReadersThatAllNeedTheReloadDoNotWaitForEachOther)
             const std::vector<TuningMode> branch = Usecase(usecase);
             EXPECT_TRUE(m_manager.UnloadMode(branch.data(), 2));
         }
-        std::atomic<uint16_t> waiting{Readers};
-        std::vector<float>    gains(Readers, 0.0f);
+        std::atomic<uint16_t>    waiting{Readers};
+        std::vector<float>       gains(Readers, 0.0f);
         std::vector<std::thread> readers;
         for (uint16_t reader = 0; reader < Readers; ++reader)
         {
@@ -142,7 +142,7 @@ TEST_F(StoreConcurrency, ReadersGoOnThroughRewritesAndUpdates)
     constexpr uint16_t Readers    = 3;
     m_manager.m_maxLoadedModes    = 3; // five use cases stay loaded: the others load from the file
     m_manager.m_logDebug          = true;
-    std::set<float> possible = {RootGain}; // where a use case's module failed to load
+    std::set<float> possible      = {RootGain}; // where a use case's module failed to load
     for (uint32_t version = 0; version <= Versions + 50; ++version)
     {
         for (uint16_t usecase = 0; usecase < UsecaseCount; ++usecase)
@@ -151,10 +151,10 @@ TEST_F(StoreConcurrency, ReadersGoOnThroughRewritesAndUpdates)
         }
     }
 
-    std::atomic<uint32_t> published{0};
-    std::atomic<bool>     updated{false};
-    std::atomic<uint32_t> fetched{0};
-    std::atomic<uint32_t> wrong{0};
+    std::atomic<uint32_t>    published{0};
+    std::atomic<bool>        updated{false};
+    std::atomic<uint32_t>    fetched{0};
+    std::atomic<uint32_t>    wrong{0};
     std::vector<std::thread> threads;
     for (uint16_t reader = 0; reader < Readers; ++reader)
     {
@@ -167,7 +167,7 @@ TEST_F(StoreConcurrency, ReadersGoOnThroughRewritesAndUpdates)
                     // The holder's side of the contract: while it holds the access lock no
                     // reload can take the record away, so at most one passes under its use.
                     ParameterMutexLock hold(&m_manager.m_accessLock, true, true);
-                    DemoRecord* record = m_manager.GetModule_demo10_bps(branch.data(), 2, nullptr);
+                    DemoRecord*        record = m_manager.GetModule_demo10_bps(branch.data(), 2, nullptr);
                     if (nullptr != record)
                     {
                         ++fetched;

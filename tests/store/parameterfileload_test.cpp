@@ -14,8 +14,8 @@ namespace
 {
 using storetest::FindSection;
 using storetest::MakeMode;
-using storetest::ModeRecordAt;
 using storetest::MakeModule;
+using storetest::ModeRecordAt;
 using storetest::PutU32;
 using storetest::PutU64;
 using storetest::Restamp;
@@ -54,8 +54,8 @@ TuningFileModel GateModel(const Version& version)
     const bool pinned = version >= Version{5, 0, 0};
     model.tool        = "store test tool";
     model.binaryTag   = "gate " + version.ToString();
-    model.modes       = {MakeMode(0, 0, 0), MakeMode(2, 2, 0), MakeMode(3, 1, 1),
-                         MakeMode(2, 1, 0, links ? 1 : NoLink), MakeMode(4, 2, 1, NoLink, pinned)};
+    model.modes       = {MakeMode(0, 0, 0), MakeMode(2, 2, 0), MakeMode(3, 1, 1), MakeMode(2, 1, 0, links ? 1 : NoLink),
+                         MakeMode(4, 2, 1, NoLink, pinned)};
     model.modules.push_back(MakeModule("tonemetry_abf34", 1, FilterData()));
     return model;
 }
@@ -227,8 +227,8 @@ TEST_P(StoreVersionGates, BufferModeReadsHeaderModesTablesAndEntries)
     ParameterFileSymbolTable table(&manager, manager.m_version);
     ASSERT_TRUE(table.Load(image.data(), static_cast<unsigned int>(image.size()), nullptr, nullptr,
                            static_cast<unsigned int>(image.size()), manager.m_symbolSize, manager.m_symbolOffset,
-                           manager.m_dataTableSize, manager.m_dataTableOffset, manager.m_dataSize,
-                           manager.m_dataOffset, &manager, gate.alignment));
+                           manager.m_dataTableSize, manager.m_dataTableOffset, manager.m_dataSize, manager.m_dataOffset,
+                           &manager, gate.alignment));
     ExpectEntries(table, gate, gate.alignment);
     // The warning of an old file is logged as an error; nothing else is.
     EXPECT_EQ(HasTree(gate) ? 0u : 1u, m_log.Count("[ERROR]"));
@@ -328,7 +328,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Damage{"WrongTag", [](std::vector<uint8_t>& image) { image[0] = 'Y'; }, "",
                "Invalid binary header tag: YVK Tonemetry Header"},
-        Damage{"NewerVersion", [](std::vector<uint8_t>& image) { PutU64(image, 32, Version{5, 0, 1}.Raw()); },
+        Damage{"NewerVersion",
+               [](std::vector<uint8_t>& image) {
+                   PutU64(image, 32, Version{5, 0, 1}.Raw());
+               },
                "",
                "Unsupported binary header version : 5.0.1. Please re-generate parser code using the latest version "
                "of ParameterParser"},
@@ -337,8 +340,7 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"FiveSections", [](std::vector<uint8_t>& image) { PutU32(image, 164, 5); },
                "ReadSectionInfo: Section count 5 is greater than Max sections 4\n",
                "Invalid binary file section count"},
-        Damage{"UnknownSectionType",
-               [](std::vector<uint8_t>& image) { PutU32(image, SectionEntryAt(image, 3), 7); },
+        Damage{"UnknownSectionType", [](std::vector<uint8_t>& image) { PutU32(image, SectionEntryAt(image, 3), 7); },
                "Invalid binary section type 7\n", "Invalid binary file section count"},
         Damage{"Compressed", [](std::vector<uint8_t>& image) { PutU64(image, 152, 2); }, "",
                "Compressed binary file not supported (support ended with V5.1.0)"},

@@ -67,7 +67,7 @@ protected:
     {
         m_image = std::move(image);
         ASSERT_TRUE(m_manager.LoadBinaryParameters(m_image.data(), m_image.size())) << m_manager.m_errorText;
-        m_table = std::make_unique<ParameterFileSymbolTable>(&m_manager, m_manager.m_version);
+        m_table         = std::make_unique<ParameterFileSymbolTable>(&m_manager, m_manager.m_version);
         const auto size = static_cast<unsigned int>(m_image.size());
         ASSERT_TRUE(m_table->Load(m_image.data(), size, nullptr, nullptr, size, m_manager.m_symbolSize,
                                   m_manager.m_symbolOffset, m_manager.m_dataTableSize, m_manager.m_dataTableOffset,

@@ -11,8 +11,8 @@
 
 namespace
 {
-using storetest::Branch;
 using storetest::BpsGain;
+using storetest::Branch;
 using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
@@ -55,10 +55,7 @@ protected:
 
     ModeEntry* Mode(uint32_t id) { return m_manager.GetModeEntry(id); }
 
-    ParameterModule* ModuleIn(uint32_t id, char const* name = "demo10_bps")
-    {
-        return Mode(id)->m_modules[name].module;
-    }
+    ParameterModule* ModuleIn(uint32_t id, char const* name = "demo10_bps") { return Mode(id)->m_modules[name].module; }
 
     // Fetches and gives back the module of each use case in turn.
     void Visit(uint16_t first, uint16_t last)
@@ -75,8 +72,8 @@ protected:
         return std::find(list.items, list.items + list.count, Mode(id)) != list.items + list.count;
     }
 
-    LogCapture           m_log;
-    TempFile             m_file{"lazy"};
+    LogCapture       m_log;
+    TempFile         m_file{"lazy"};
     NoLinkSetManager m_manager;
 };
 
@@ -110,7 +107,7 @@ TEST_F(StoreLazyLoad, UnloadingTakesTheDeepestModeAndLeavesPinnedOnes)
 {
     Load(UsecasesModel());
     const std::vector<TuningMode> second = Usecase(2);
-    DemoRecord* held = m_manager.GetModule_demo10_bps(second.data(), 2, nullptr);
+    DemoRecord*                   held   = m_manager.GetModule_demo10_bps(second.data(), 2, nullptr);
     ASSERT_NE(nullptr, held);
     EXPECT_TRUE(m_manager.UnloadMode(second.data(), 2));
     EXPECT_FALSE(Mode(3)->m_loaded);
@@ -133,7 +130,7 @@ TEST_F(StoreLazyLoad, UnloadingTakesTheDeepestModeAndLeavesPinnedOnes)
 
 TEST_F(StoreLazyLoad, BufferModeRefusesToLoadOrUnloadModes)
 {
-    NoLinkSetManager buffered;
+    NoLinkSetManager     buffered;
     std::vector<uint8_t> image = storetest::Written(UsecasesModel());
     ASSERT_TRUE(buffered.LoadBinaryParameters(image.data(), image.size()));
     const std::vector<TuningMode> first = Usecase(1);
@@ -174,7 +171,7 @@ TEST_F(StoreLazyLoad, EvictionPassesOverActiveModesAndDropsPinnedOnesFromTheList
 {
     Load(UsecasesModel());
     const std::vector<TuningMode> first = Usecase(1);
-    DemoRecord* held = m_manager.GetModule_demo10_bps(first.data(), 2, nullptr);
+    DemoRecord*                   held  = m_manager.GetModule_demo10_bps(first.data(), 2, nullptr);
     Visit(2, 18);
     EXPECT_EQ(18u, m_manager.m_loadedModes.count) << "an active mode keeps the list over its bound";
     EXPECT_TRUE(Mode(2)->m_loaded);
@@ -223,9 +220,9 @@ TEST_F(StoreLazyLoad, ActiveModesAreTheDeepestWithReferences)
 
     const std::vector<TuningMode> isphdr   = Branch({{0, 0}, {2, 2}, {3, 1}});
     const std::vector<TuningMode> snapshot = Branch({{0, 0}, {2, 1}});
-    DemoRecord* video = m_manager.GetModule_demo10_bps(isphdr.data(), 3, nullptr);
-    DemoRecord* hdr   = m_manager.GetModule_demo10_ife(isphdr.data(), 3, nullptr);
-    DemoRecord* snap  = m_manager.GetModule_demo10_bps(snapshot.data(), 2, nullptr);
+    DemoRecord*                   video    = m_manager.GetModule_demo10_bps(isphdr.data(), 3, nullptr);
+    DemoRecord*                   hdr      = m_manager.GetModule_demo10_ife(isphdr.data(), 3, nullptr);
+    DemoRecord*                   snap     = m_manager.GetModule_demo10_bps(snapshot.data(), 2, nullptr);
     m_manager.GetActiveModes(active, sizeof(active));
     EXPECT_STREQ("Default|Usecase.Snapshot;Default|Usecase.Video|Feature1.ISPHDR", active);
     hdr->Release();

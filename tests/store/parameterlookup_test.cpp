@@ -8,8 +8,8 @@
 
 namespace
 {
-using storetest::Branch;
 using storetest::BpsGain;
+using storetest::Branch;
 using storetest::ConfigModule;
 using storetest::DemoModule;
 using storetest::DemoRecord;
@@ -47,8 +47,8 @@ protected:
 
     float IfeGain(const std::vector<TuningMode>& branch)
     {
-        DemoRecord* record = m_manager.GetModule_demo10_ife(branch.data(), static_cast<unsigned int>(branch.size()),
-                                                            nullptr);
+        DemoRecord* record =
+            m_manager.GetModule_demo10_ife(branch.data(), static_cast<unsigned int>(branch.size()), nullptr);
         float gain = (nullptr == record) ? -1.0f : record->gain;
         if (nullptr != record)
         {
@@ -57,8 +57,8 @@ protected:
         return gain;
     }
 
-    LogCapture           m_log;
-    TempFile             m_file{"lookup"};
+    LogCapture       m_log;
+    TempFile         m_file{"lookup"};
     NoLinkSetManager m_manager;
 };
 
@@ -89,7 +89,7 @@ TEST_P(StoreLookup, TheDeepestModeThatHoldsTheNameWins)
 
 TEST_P(StoreLookup, ANameOnlyADeepModeHoldsIsFoundAfterAWarning)
 {
-    const std::vector<TuningMode> isphdr = Branch({{0, 0}, {2, 2}, {3, 1}});
+    const std::vector<TuningMode>   isphdr = Branch({{0, 0}, {2, 2}, {3, 1}});
     orvotestconfig::TestConfigType* config = m_manager.GetModule_testconfigdata(isphdr.data(), 3, nullptr);
     ASSERT_NE(nullptr, config);
     EXPECT_EQ(8u, config->maxFaces);
@@ -141,6 +141,7 @@ TEST_P(StoreLookup, FileModeCountsTheReferencesThatReleaseAndPreviousGiveBack)
     EXPECT_EQ(held, m_log.Count("Attempt to release unreferenced module.  Mode: 2, SubMode: 2, Module demo10_bps\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(BufferAndFile, StoreLookup, testing::Bool(),
-                         [](const testing::TestParamInfo<bool>& info) { return info.param ? "FileMode" : "BufferMode"; });
+INSTANTIATE_TEST_SUITE_P(BufferAndFile, StoreLookup, testing::Bool(), [](const testing::TestParamInfo<bool>& info) {
+    return info.param ? "FileMode" : "BufferMode";
+});
 } // namespace

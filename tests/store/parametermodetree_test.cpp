@@ -172,9 +172,9 @@ TEST_F(StoreModeTree, ARecordNamedLikeItsParentIsASecondNameOfIt)
 TEST_F(StoreModeTree, AnEmptyModeSectionLeavesNoRoot)
 {
     TuningFileModel model;
-    model.version = {4, 0, 0};
-    model.modes   = {MakeMode(0, 0, 0)};
-    model.modules = {storetest::MakeModule("tonemetry_abf34", 0, tuningfile::DataBuilder().U32(1))};
+    model.version              = {4, 0, 0};
+    model.modes                = {MakeMode(0, 0, 0)};
+    model.modules              = {storetest::MakeModule("tonemetry_abf34", 0, tuningfile::DataBuilder().U32(1))};
     std::vector<uint8_t> image = storetest::Written(model);
     PutU32(image, storetest::SectionEntryAt(image, ParameterSetManager::SectionModeTable) + 8, 32);
     Restamp(image);
@@ -247,8 +247,8 @@ TEST_F(StoreModeTree, DeepAndWideTreesAreWalkedAndFreedWithoutRecursion)
         const std::vector<Mode>& modes;
         char const*              lastPath;
     };
-    for (const Shape& shape : {Shape{chain, "0.0|3.2|3.1|3.2|3.1|3.2|3.1|3.2|3.1|3.2|3.1|3.2"},
-                               Shape{fan, "0.0|3.53391"}})
+    for (const Shape& shape :
+         {Shape{chain, "0.0|3.2|3.1|3.2|3.1|3.2|3.1|3.2|3.1|3.2|3.1|3.2"}, Shape{fan, "0.0|3.53391"}})
     {
         TestSetManager             manager;
         const std::vector<uint8_t> image = ModesImage(shape.modes);
@@ -272,8 +272,8 @@ TEST_F(StoreModeTree, ModePathsAreCutAtTheirSize)
 
 TEST_F(StoreModeTree, ChildModesByNameCutAtTheirSize)
 {
-    ASSERT_TRUE(Load(ModesImage({MakeMode(0, 0, 0), MakeMode(2, 1, 0), MakeMode(5, 3, 0), MakeMode(6, 40, 0),
-                                 MakeMode(0, 0, 1)})));
+    ASSERT_TRUE(Load(
+        ModesImage({MakeMode(0, 0, 0), MakeMode(2, 1, 0), MakeMode(5, 3, 0), MakeMode(6, 40, 0), MakeMode(0, 0, 1)})));
     EXPECT_EQ("Usecase.Snapshot,Scene.Beach,Effect.40", ChildModes(m_manager, "0.0"));
     EXPECT_EQ("Default", ChildModes(m_manager, "0.0|2.1"));
     EXPECT_EQ("Usecase.Snapshot,Scene.Beach,Effect.40", ChildModes(m_manager, "9.9")) << "table entry 0";
@@ -384,7 +384,7 @@ TEST(StoreModePaths, BranchesFromAndToNumericPaths)
     EXPECT_EQ(6u, cut[2].subMode);
 
     // Printing takes the low 16 bits of the mode, and appends.
-    const TuningMode wide[] = {Selector(0x10002, 1)};
+    const TuningMode wide[]   = {Selector(0x10002, 1)};
     char             more[32] = "0.0|";
     ParameterSetManager::GetPathFromModeBranch(wide, 1, more, sizeof(more));
     EXPECT_STREQ("0.0|2.1", more);

@@ -52,7 +52,7 @@ protected:
     void SetUp() override
     {
         tuningfile::TuningFileModel model;
-        model.modes = {MakeMode(0, 0, 0), MakeMode(2, 2, 0), MakeMode(3, 1, 1)};
+        model.modes                = {MakeMode(0, 0, 0), MakeMode(2, 2, 0), MakeMode(3, 1, 1)};
         std::vector<uint8_t> image = storetest::Written(model);
         ASSERT_TRUE(m_manager.LoadBinaryParameters(image.data(), image.size()));
         m_video  = m_manager.GetModeEntry(1u);

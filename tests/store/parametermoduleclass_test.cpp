@@ -53,7 +53,7 @@ protected:
 
     LogCapture           m_log;
     std::vector<uint8_t> m_image;
-    NoLinkSetManager m_manager;
+    NoLinkSetManager     m_manager;
 };
 
 TEST_F(StoreModuleClass, TheManagerRegistersOneDefaultInstancePerName)
@@ -82,11 +82,11 @@ TEST_F(StoreModuleClass, RecordsReadThemselvesAtBothAlignments)
     const std::vector<DemoRegion> regions = {{0.0f, 50.0f, 3}, {50.0f, 1000.0f, 9}};
     for (tuningfile::Version version : {tuningfile::Version{5, 0, 0}, tuningfile::Version{2, 0, 0}})
     {
-        NoLinkSetManager manager;
-        std::vector<uint8_t> image = storetest::Written(
-            RootModel({MakeModule("demo10_ife", 0, DemoData(1.25f, "rev 7", regions), {1, 0, 0}),
-                       MakeModule("testconfigdata", 1, ConfigData(12, 0.75f, 15))},
-                      version));
+        NoLinkSetManager     manager;
+        std::vector<uint8_t> image =
+            storetest::Written(RootModel({MakeModule("demo10_ife", 0, DemoData(1.25f, "rev 7", regions), {1, 0, 0}),
+                                          MakeModule("testconfigdata", 1, ConfigData(12, 0.75f, 15))},
+                                         version));
         ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
         auto* demo = static_cast<storetest::DemoClass*>(manager.GetModeEntry(0u)->m_modules["demo10_ife"].module);
         EXPECT_STREQ("demo10_ife", demo->Name) << "the registered name of the file's type";
@@ -128,8 +128,8 @@ TEST_F(StoreModuleClass, RecordsOfOneGroupShareTheirBlocks)
 
 TEST_F(StoreModuleClass, TheDefaultInstanceRefusesAnotherVersionOrType)
 {
-    EXPECT_FALSE(Load(RootModel({MakeModule("demo10_bps", 0, DemoData(1.0f), {1, 0, 1}),
-                                 MakeModule("nosuch", 1, DemoData(1.0f), {1, 0, 0})})));
+    EXPECT_FALSE(Load(RootModel(
+        {MakeModule("demo10_bps", 0, DemoData(1.0f), {1, 0, 1}), MakeModule("nosuch", 1, DemoData(1.0f), {1, 0, 0})})));
     EXPECT_EQ(1u, m_log.Count("Unable to create tonemetry_demo10TypeClass, binary version (4294967297) does not "
                               "match source version (1)\n"));
     EXPECT_EQ(1u, m_log.Count("Failed to parse binary header data for:  Type: demo10_bps, Major: 1, Minor: 0, Patch: "
@@ -144,13 +144,13 @@ TEST_F(StoreModuleClass, BadDataFailsTheRecordOrEmptiesAMember)
     std::vector<tuningfile::Module> modules = {MakeModule("testconfigdata", 0, ConfigData(1, 0.5f, 7), {3, 4, 0}),
                                                MakeModule("demo10_bps", 1, DataBuilder().U32(1), {1, 0, 0}),
                                                DemoModule("demo10_ife", 1, 2.0f)};
-    TuningFileModel model = RootModel(modules);
-    std::vector<uint8_t> image = storetest::Written(model);
+    TuningFileModel                 model   = RootModel(modules);
+    std::vector<uint8_t>            image   = storetest::Written(model);
     // The list of the third module claims more elements than its entry has bytes: its count
     // follows the version (12 bytes), gain, gamma table (16) and label (8) of its data.
     const storetest::Section symbols = storetest::FindSection(image, ParameterSetManager::SectionSymbolTable);
     const storetest::Section data    = storetest::FindSection(image, ParameterSetManager::SectionData);
-    const uint32_t third = data.offset + storetest::U32At(image, symbols.offset + 2 * 60 + 48);
+    const uint32_t           third   = data.offset + storetest::U32At(image, symbols.offset + 2 * 60 + 48);
     storetest::PutU32(image, third + 40, 0x7FFFFFFF);
     storetest::Restamp(image);
     ASSERT_TRUE(m_manager.LoadBinaryParameters(image.data(), image.size())) << m_manager.m_errorText;
@@ -193,12 +193,12 @@ TEST_F(StoreModuleClass, FreeingTheFileTakesItsInstancesAlong)
 
 TEST(StoreDefaultModule, TheInstanceListKeepsItsEndsThroughRemovals)
 {
-    ModuleData        first(1, 0, nullptr, "demo10_bps", 0, 0, nullptr);
-    ModuleData        second(2, 0, nullptr, "demo10_bps", 0, 0, nullptr);
-    DefaultModule     list(new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps"));
-    ParameterModule*  a = new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", &first);
-    ParameterModule*  b = new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", &second);
-    ParameterModule*  c = new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", nullptr);
+    ModuleData       first(1, 0, nullptr, "demo10_bps", 0, 0, nullptr);
+    ModuleData       second(2, 0, nullptr, "demo10_bps", 0, 0, nullptr);
+    DefaultModule    list(new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps"));
+    ParameterModule* a = new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", &first);
+    ParameterModule* b = new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", &second);
+    ParameterModule* c = new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", nullptr);
     list.AddModule(a);
     list.AddModule(nullptr);
     list.AddModule(b);

@@ -66,7 +66,7 @@ private:
 
 TEST(ParameterMutex, ReadersHoldTheLockTogether)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog         watchdog(WatchdogTime);
     ParameterMutex   mutex;
     std::atomic<int> inside{0};
     auto             reader = [&] {
@@ -89,7 +89,7 @@ TEST(ParameterMutex, ReadersHoldTheLockTogether)
 
 TEST(ParameterMutex, WriterExcludesReadersAndWriters)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog       watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(false);
     Contender reader(mutex, true);
@@ -130,7 +130,7 @@ TEST(ParameterMutex, EachSideNestsAndIsHeldUntilTheLastUnlock)
 
 TEST(ParameterMutex, WriterMayReadAndWriteAgainAtOnce)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog       watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(false);
     mutex.Lock(true);
@@ -147,7 +147,7 @@ TEST(ParameterMutex, WriterMayReadAndWriteAgainAtOnce)
 
 TEST(ParameterMutex, LoneReaderUpgradesWithoutDeadlock)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog       watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(true);
     mutex.Lock(false); // the only reader: granted at once, the read side kept
@@ -163,9 +163,9 @@ TEST(ParameterMutex, LoneReaderUpgradesWithoutDeadlock)
 
 TEST(ParameterMutex, UpgradeWaitsWhileAnotherThreadReads)
 {
-    Watchdog watchdog(WatchdogTime);
-    ParameterMutex    mutex;
-    Contender         otherReader(mutex, true);
+    Watchdog       watchdog(WatchdogTime);
+    ParameterMutex mutex;
+    Contender      otherReader(mutex, true);
     ASSERT_TRUE(otherReader.AcquiredWithin(DeadlockTime));
 
     std::atomic<bool> upgraded{false};
@@ -186,7 +186,7 @@ TEST(ParameterMutex, UpgradeWaitsWhileAnotherThreadReads)
 
 TEST(ParameterMutex, ReadUnlockWithoutReadLockChangesNothing)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog       watchdog(WatchdogTime);
     ParameterMutex mutex;
     mutex.Lock(true);
     std::thread([&] { mutex.Unlock(true); }).join();
@@ -201,7 +201,7 @@ TEST(ParameterMutex, ReadUnlockWithoutReadLockChangesNothing)
 
 TEST(ParameterMutex, UnmatchedWriteUnlockIsReportedAndTheLockStaysUsable)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog                watchdog(WatchdogTime);
     testsupport::LogCapture capture;
     ParameterMutex          mutex;
     mutex.Unlock(false);
@@ -218,7 +218,7 @@ TEST(ParameterMutex, UnmatchedWriteUnlockIsReportedAndTheLockStaysUsable)
 
 TEST(ParameterMutexLock, LocksOnlyWhenTheConditionHolds)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog       watchdog(WatchdogTime);
     ParameterMutex mutex;
     {
         ParameterMutexLock skipped(&mutex, false, false);
@@ -241,7 +241,7 @@ TEST(ParameterMutexLock, LocksOnlyWhenTheConditionHolds)
 // never see a half-done update (the two counters move together under the write side).
 TEST(ParameterMutex, KeepsSharedStateConsistentUnderLoad)
 {
-    Watchdog watchdog(WatchdogTime);
+    Watchdog         watchdog(WatchdogTime);
     ParameterMutex   mutex;
     long             first  = 0;
     long             second = 0;

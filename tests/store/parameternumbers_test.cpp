@@ -88,18 +88,27 @@ TEST(DoubleToString, WorkedExamples)
         std::string  text;
     };
     const Case cases[] = {
-        {1.0, 1, 32, "1.0"}, {1.5, 1, 32, "1.5"},
+        {1.0, 1, 32, "1.0"},
+        {1.5, 1, 32, "1.5"},
         {1.5, 3, 32, "1.5"}, // trailing zeros go, one decimal stays
-        {-3.5, 2, 32, "-3.5"}, {100.0, 0, 32, "100"}, {0.0, 0, 32, "0"}, {0.0, 2, 32, "0.0"},
+        {-3.5, 2, 32, "-3.5"},
+        {100.0, 0, 32, "100"},
+        {0.0, 0, 32, "0"},
+        {0.0, 2, 32, "0.0"},
         {0.001, 2, 32, "0.0"}, // rounds down to nothing behind the point
         // Large exponents are printed digit by digit.
-        {1e20, 0, 32, "100000000000000000000"}, {1.5e15, 1, 32, "1500000000000000.0"}, {-4096.0, 3, 32, "-4096.0"},
+        {1e20, 0, 32, "100000000000000000000"},
+        {1.5e15, 1, 32, "1500000000000000.0"},
+        {-4096.0, 3, 32, "-4096.0"},
         // The decimal digit is the truncated quotient of an inexact remainder: 1.25 leaves
         // 0.0499999... after its "2", so at 1 decimal it prints "1.2". The algorithm's answer holds
         // over the worked example that says "1.3"; at 2 decimals the next digit (9) rounds back up.
-        {1.25, 1, 32, "1.2"}, {1.25, 2, 32, "1.25"}, {-0.25, 2, 32, "-0.25"},
+        {1.25, 1, 32, "1.2"},
+        {1.25, 2, 32, "1.25"},
+        {-0.25, 2, 32, "-0.25"},
         // The carry runs through nines and adds a leading one.
-        {9.96, 1, 32, "10.0"}, {99.96, 1, 32, "100.0"},
+        {9.96, 1, 32, "10.0"},
+        {99.96, 1, 32, "100.0"},
         {0.0999, 3, 32, "0.1"}, // a carried "9" behind the first decimal place is dropped, not made "0"
         {-9.96, 1, 32, ".0.0"}, // required: the carry does not know the sign; through "-9" the "-" becomes "."
         {9.96, 1, 4, "0.0"},    // a carry without room is lost
@@ -107,7 +116,8 @@ TEST(DoubleToString, WorkedExamples)
         // remainder is zero or the buffer is full. 2.5 leaves a tiny negative remainder after its
         // "5", so the digits go on (as zeros here) until the buffer is full; the worked example's
         // "25" is what a buffer of 3 holds.
-        {2.5, 0, 3, "25"}, {2.5, 0, 8, "2500000"},
+        {2.5, 0, 3, "25"},
+        {2.5, 0, 8, "2500000"},
         {123456.0, 0, 4, "123"}, // stops at the buffer end
         {1.5, 1, 3, "15"},       // no room for a point and a decimal: digits run on
     };

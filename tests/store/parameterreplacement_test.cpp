@@ -10,8 +10,8 @@
 
 namespace
 {
-using storetest::Branch;
 using storetest::BpsGain;
+using storetest::Branch;
 using storetest::DemoModule;
 using storetest::DemoRecord;
 using storetest::MakeMode;
@@ -69,8 +69,8 @@ protected:
         return modes;
     }
 
-    LogCapture           m_log;
-    TempFile             m_file{"replacement"};
+    LogCapture       m_log;
+    TempFile         m_file{"replacement"};
     NoLinkSetManager m_manager;
 };
 
@@ -134,7 +134,7 @@ TEST_F(StoreReplacement, ExplicitReloads)
 
     // A reload that fails leaves no tree.
     NoLinkSetManager lostFile;
-    TempFile             gone("gone");
+    TempFile         gone("gone");
     ASSERT_TRUE(storetest::LoadImage(lostFile, storetest::Written(SwapModel(1.0f, 2.0f, 3.0f)), true, gone));
     unlink(gone.Path().c_str());
     EXPECT_FALSE(lostFile.ReloadBinaryParameters(false));
@@ -145,7 +145,7 @@ TEST_F(StoreReplacement, ExplicitReloads)
 TEST_F(StoreReplacement, AnUpdateSwapsInTheModulesOfABuffer)
 {
     Load(SwapModel(1.0f, 2.0f, 3.0f), true);
-    DemoRecord* held = m_manager.GetModule_demo10_bps(Video.data(), 2, nullptr);
+    DemoRecord*     held = m_manager.GetModule_demo10_bps(Video.data(), 2, nullptr);
     TuningFileModel update;
     update.modes   = {MakeMode(0, 0, 0), MakeMode(2, 2, 0)};
     update.modules = {DemoModule("demo10_bps", 0, 1.5f), DemoModule("demo10_bps", 1, 2.5f)};

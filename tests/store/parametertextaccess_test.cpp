@@ -52,8 +52,8 @@ protected:
     std::string Get(const std::vector<TuningMode>& branch, char const* path, char const* names)
     {
         char out[512] = "untouched";
-        bool result   = m_manager.GetValue(branch.data(), static_cast<unsigned int>(branch.size()), path, names, out,
-                                           sizeof(out));
+        bool result =
+            m_manager.GetValue(branch.data(), static_cast<unsigned int>(branch.size()), path, names, out, sizeof(out));
         return (result ? "true " : "false ") + std::string(out);
     }
 
@@ -67,8 +67,8 @@ protected:
         return static_cast<storetest::DemoClass*>(m_manager.GetModeEntry(mode)->m_modules[name].module);
     }
 
-    LogCapture           m_log;
-    TempFile             m_file{"text"};
+    LogCapture       m_log;
+    TempFile         m_file{"text"};
     NoLinkSetManager m_manager;
 };
 
@@ -82,8 +82,8 @@ TEST_F(StoreTextAccess, ValuesByNames)
     EXPECT_EQ("false gain=1.5;label=demo", Get(Root, "demo10_bps", "gain,label,nosuch"));
     EXPECT_EQ("true gain=1.5;label=demo", Get(Root, "demo10_bps", "nosuch,gain,label"));
     // Behind the module name, names are relative to that place, unless it is a single character.
-    EXPECT_EQ("true major_revision=1;incr_revision=0", Get(Root, "demo10_bps.module_version",
-                                                           "major_revision,incr_revision"));
+    EXPECT_EQ("true major_revision=1;incr_revision=0",
+              Get(Root, "demo10_bps.module_version", "major_revision,incr_revision"));
     EXPECT_EQ("true gain=1.5", Get(Root, "demo10_bps.x", "gain"));
     EXPECT_EQ("true gamma[3]=2.0", Get(Root, "demo10_bps.gamma_tab", "gamma[3]"));
     EXPECT_EQ("false ", Get(Root, "testconfigdata", "maxFaces")) << "a plain module has no text access";
@@ -92,9 +92,11 @@ TEST_F(StoreTextAccess, ValuesByNames)
 
 TEST_F(StoreTextAccess, ValuesOfAPlace)
 {
-    EXPECT_EQ("true major_revision=1;minor_revision=0;incr_revision=0", Get(Root, "demo10_bps.module_version", nullptr));
+    EXPECT_EQ("true major_revision=1;minor_revision=0;incr_revision=0",
+              Get(Root, "demo10_bps.module_version", nullptr));
     EXPECT_EQ("true gamma=0.5,1.0,1.5,2.0", Get(Root, "demo10_bps.gamma_tab", nullptr));
-    EXPECT_EQ("true lux_start=0.0;lux_end=100.0;strength=7", Get(Root, "demo10_bps.mod_demo10_region_data[0]", nullptr));
+    EXPECT_EQ("true lux_start=0.0;lux_end=100.0;strength=7",
+              Get(Root, "demo10_bps.mod_demo10_region_data[0]", nullptr));
     EXPECT_EQ("true =1.5", Get(Root, "demo10_bps.gain", nullptr)) << "a scalar's row has no name";
     EXPECT_EQ("true ", Get(Root, "demo10_bps.mod_demo10_region_data", nullptr)) << "structures are passed over";
     EXPECT_EQ("false ", Get(Root, "demo10_bps.nosuch", nullptr));
@@ -219,7 +221,8 @@ TEST(StoreParserInfo, RowsCarryTheirValueAsText)
     EXPECT_STREQ("", empty.Value);
     EXPECT_STREQ("-3", ParameterParserInfo("n", ParameterParserInfo::TypeInt32, -3.0, 0).Value);
     EXPECT_STREQ("0.125", ParameterParserInfo("n", ParameterParserInfo::TypeFloat, 0.125, 10).Value);
-    EXPECT_STREQ("", ParameterParserInfo("n", ParameterParserInfo::TypeString, static_cast<char const*>(nullptr)).Value);
+    EXPECT_STREQ("",
+                 ParameterParserInfo("n", ParameterParserInfo::TypeString, static_cast<char const*>(nullptr)).Value);
     std::string long_text(2000, 'v');
     EXPECT_EQ(1023u, strlen(ParameterParserInfo("n", ParameterParserInfo::TypeString, long_text.c_str()).Value));
     ParameterParserInfo array("a", ParameterParserInfo::TypeUInt8, true, false, 9);

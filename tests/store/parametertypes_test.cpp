@@ -103,7 +103,7 @@ TEST(PList, BadIndexYieldsTheSharedDummyOfItsType)
     EXPECT_EQ(0, first[1].value); // at count: the default-constructed dummy
     EXPECT_EQ(&first[1], &second[0]);
 
-    first[9].value = 99; // a write through a bad index lands in the dummy ...
+    first[9].value = 99;            // a write through a bad index lands in the dummy ...
     EXPECT_EQ(99, second[3].value); // ... and every later bad read of the type sees it
     EXPECT_EQ(42, first[0].value);
     second[0].value = 0;

@@ -96,8 +96,8 @@ TEST(ParameterUtilsReadString, IntoAnArray)
     {
         std::vector<unsigned char> bytes = Image(c.bytes);
         std::vector<char>          out(c.arraySize + 1, c.fill);
-        out.back() = '\0'; // a missing terminator shows as a wrong text, not an overread
-        unsigned int               pos = c.pos;
+        out.back()       = '\0'; // a missing terminator shows as a wrong text, not an overread
+        unsigned int pos = c.pos;
         ASSERT_TRUE(ParameterUtils::ReadString(out.data(), bytes.data(), static_cast<unsigned int>(bytes.size()), &pos,
                                                c.arraySize, c.field, c.alignment, nullptr));
         EXPECT_STREQ(c.text, out.data());
@@ -127,8 +127,8 @@ TEST(ParameterUtilsReadString, IntoANewString)
         unsigned int endPos;
     };
     std::vector<unsigned char> bytes = Image(std::string("ab\0cdefgh", 9));
-    for (const Case& c : {Case{0, 6, 4, "ab", 8}, Case{3, 3, 1, "cde", 6}, Case{6, 8, 1, "fgh", 14},
-                          Case{1, 0, 8, "", 1}})
+    for (const Case& c :
+         {Case{0, 6, 4, "ab", 8}, Case{3, 3, 1, "cde", 6}, Case{6, 8, 1, "fgh", 14}, Case{1, 0, 8, "", 1}})
     {
         unsigned int pos  = c.pos;
         char*        text = ParameterUtils::ReadString(bytes.data(), 9, &pos, c.field, c.alignment);
@@ -155,7 +155,7 @@ TEST(ParameterUtilsReadBuffer, CopiesAndPads)
 TEST(ParameterUtilsReadBuffer, ShortReadCopiesWhatIsLeftAndStillMovesBySize)
 {
     LogCapture                 capture;
-    std::vector<unsigned char> bytes = {1, 2, 3, 4, 5, 6, 7, 8};
+    std::vector<unsigned char> bytes   = {1, 2, 3, 4, 5, 6, 7, 8};
     unsigned char              out[10] = {};
     unsigned int               pos     = 4;
     EXPECT_FALSE(ParameterUtils::ReadBuffer(out, bytes.data(), 8, &pos, 10, 1, nullptr));

@@ -29,8 +29,7 @@ bool LoadImage(ParameterSetManager& manager, const std::vector<uint8_t>& image, 
 
 float BpsGain(TestModuleSetManager& manager, const std::vector<TuningMode>& branch)
 {
-    DemoRecord* record =
-        manager.GetModule_demo10_bps(branch.data(), static_cast<unsigned int>(branch.size()), nullptr);
+    DemoRecord* record = manager.GetModule_demo10_bps(branch.data(), static_cast<unsigned int>(branch.size()), nullptr);
     if (nullptr == record)
     {
         return -1.0f;

@@ -34,14 +34,14 @@ struct Section
     uint32_t size   = 0;
 };
 constexpr uint32_t HeaderSize = 168;
-Section FindSection(const std::vector<uint8_t>& image, uint32_t type);
+Section            FindSection(const std::vector<uint8_t>& image, uint32_t type);
 /// Byte offset of the section-table entry of `type`.
 size_t SectionEntryAt(const std::vector<uint8_t>& image, uint32_t type);
 /// Mode record `id` of a 5.0.0 file: id at +0, modeUnion +4, parentId +12, linkId +16, flags +20.
 size_t ModeRecordAt(const std::vector<uint8_t>& image, uint32_t id);
 
-tuningfile::Mode   MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId,
-                            uint32_t linkId = tuningfile::NoLink, bool pinned = false);
+tuningfile::Mode   MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId, uint32_t linkId = tuningfile::NoLink,
+                            bool pinned = false);
 tuningfile::Module MakeModule(const std::string& name, uint32_t modeId, const tuningfile::DataBuilder& data,
                               const tuningfile::Version& version = {3, 4, 0});
 
@@ -54,7 +54,7 @@ struct DemoRegion
 };
 tuningfile::DataBuilder DemoData(float gain, const std::string& label = "demo",
                                  const std::vector<DemoRegion>& regions = {{0.0f, 100.0f, 7}},
-                                 const std::vector<float>& gamma = {0.5f, 1.0f, 1.5f, 2.0f});
+                                 const std::vector<float>&      gamma   = {0.5f, 1.0f, 1.5f, 2.0f});
 tuningfile::DataBuilder ConfigData(uint32_t maxFaces, float minScale, uint32_t accuracy);
 /// A demo_1_0_0 module ("demo10_bps" or "demo10_ife") of `gain` and a testconfigdata module.
 tuningfile::Module DemoModule(const std::string& name, uint32_t modeId, float gain);

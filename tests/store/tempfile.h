@@ -17,9 +17,9 @@ public:
     TempFile(const TempFile&)            = delete;
     TempFile& operator=(const TempFile&) = delete;
 
-    void               Store(const std::vector<uint8_t>& image) const;
+    void Store(const std::vector<uint8_t>& image) const;
     /// Replaces the contents and sets the modification time back, so the change goes unseen.
-    void               StoreUnnoticed(const std::vector<uint8_t>& image) const;
+    void StoreUnnoticed(const std::vector<uint8_t>& image) const;
     /// Moves the modification time by `seconds`, as a newer file on disk would.
     void               ShiftModifiedTime(long seconds) const;
     const std::string& Path() const { return m_path; }

@@ -15,7 +15,7 @@ LogCapture::~LogCapture()
 
 void LogCapture::Sink(OrvoLogGroup group, const CHAR* pLevelLetter, UINT32 level, const CHAR* pLine, VOID* pContext)
 {
-    LogCapture* pCapture = static_cast<LogCapture*>(pContext);
+    LogCapture*                 pCapture = static_cast<LogCapture*>(pContext);
     std::lock_guard<std::mutex> guard(pCapture->m_mutex);
     pCapture->m_lines.push_back({group, (nullptr == pLevelLetter) ? "" : pLevelLetter, level, pLine});
 }

@@ -26,7 +26,7 @@ class LogCapture
 public:
     LogCapture();
     ~LogCapture();
-    LogCapture(const LogCapture&) = delete;
+    LogCapture(const LogCapture&)            = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
     std::vector<CapturedLine> Lines() const;

@@ -167,9 +167,8 @@ TEST_F(KindEncoder, EnumsByNameAndByNumberAndWholeNumbersInEveryFormEncodeAlike)
 
     // A tree built in code holds signed numbers where a parsed text holds unsigned ones.
     DataBuilder inCode;
-    Json        values =
-        Json::parse(R"({"history": ["mode_high"], "u32": 31, "i32": -2147483648, "flag": false, "u16": 7})");
-    values["phase"]    = static_cast<int>(StageLast);
+    Json values = Json::parse(R"({"history": ["mode_high"], "u32": 31, "i32": -2147483648, "flag": false, "u16": 7})");
+    values["phase"] = static_cast<int>(StageLast);
     ASSERT_TRUE(Encode(values, &inCode)) << m_errors.front().ToString();
     EXPECT_EQ(Image(byName), Image(inCode));
 }
@@ -184,17 +183,15 @@ TEST_F(KindEncoder, AValueOutsideItsTypeIsRefusedAtItsPath)
     const RangeCase cases[] = {
         {R"({"u8": 256})", "/values/u8: 256 is out of range for UInt8 (0 to 255)"},
         {R"({"u16": -1})", "/values/u16: -1 is out of range for UInt16 (0 to 65535)"},
-        {R"({"i32": 2147483648})",
-         "/values/i32: 2147483648 is out of range for Int32 (-2147483648 to 2147483647)"},
-        {R"({"i64": -1e19})",
-         "/values/i64: -10000000000000000000 is out of range for Int64 (-9223372036854775808 to "
-         "9223372036854775807)"},
+        {R"({"i32": 2147483648})", "/values/i32: 2147483648 is out of range for Int32 (-2147483648 to 2147483647)"},
+        {R"({"i64": -1e19})", "/values/i64: -10000000000000000000 is out of range for Int64 (-9223372036854775808 to "
+                              "9223372036854775807)"},
         {R"({"u32": 2.5})", "/values/u32: expected a whole number (UInt32, 0 to 4294967295)"},
         {R"({"u32": "0x100000000"})", "/values/u32: 4294967296 is out of range for UInt32 (0 to 4294967295)"},
         {R"({"u32": "12"})", "/values/u32: expected a whole number (UInt32, 0 to 4294967295) or a "
-                              "hexadecimal text such as \"0x1F\", not \"12\""},
+                             "hexadecimal text such as \"0x1F\", not \"12\""},
         {R"({"flag": "yes"})", "/values/flag: expected a whole number (Boolean, -2147483648 to 2147483647) "
-                                "or a hexadecimal text such as \"0x1F\", not \"yes\""},
+                               "or a hexadecimal text such as \"0x1F\", not \"yes\""},
         {R"({"u64": true})", "/values/u64: expected a whole number (UInt64, 0 to 18446744073709551615)"},
         {R"({"gain": 1e39})", "/values/gain: 1e+39 is out of range for Float"},
         {R"({"ratio": "2.5"})", "/values/ratio: expected a number"},

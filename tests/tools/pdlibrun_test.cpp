@@ -35,11 +35,11 @@ struct WindowRecord
 
 // Format 2, flexible mode (8 windows in a row). The default threshold is 100.
 const WindowRecord PatchWindows[] = {
-    {100, 32},    // exactly at the threshold: level 1024, reported 1023; phase 2.0
-    {50, -24},    // half the threshold: level 512; phase -1.5
-    {0, -1024},   // the 11-bit format's "no phase" value: level 0, defocus still computed
-    {2047, 0},    // phase 0: the mean offset alone
-    {0, 0}, {0, 0}, {0, 0}, {0, 0},
+    {100, 32},  // exactly at the threshold: level 1024, reported 1023; phase 2.0
+    {50, -24},  // half the threshold: level 512; phase -1.5
+    {0, -1024}, // the 11-bit format's "no phase" value: level 0, defocus still computed
+    {2047, 0},  // phase 0: the mean offset alone
+    {0, 0},     {0, 0}, {0, 0}, {0, 0},
 };
 
 const uint32_t FlexibleMode = 2;
@@ -70,7 +70,7 @@ protected:
     static std::vector<uint8_t> MakeFormat2Buffer(uint32_t areaMode, const WindowRecord (&windows)[8])
     {
         pdlibrun::StatsFormat format;
-        pdlibrun::WindowMode mode;
+        pdlibrun::WindowMode  mode;
         pdlibrun::LookUpStatsFormat(2, &format);
         pdlibrun::LookUpWindowMode(areaMode, &mode);
         std::vector<uint8_t> buffer(pdlibrun::RequiredBufferSize(format, mode), 0);
@@ -187,8 +187,8 @@ TEST_F(PdlibRunTest, ReportsTheWindowGridOfEachModeInEachFormat)
         for (uint32_t mode = 0; mode < 3; mode++)
         {
             SCOPED_TRACE("format " + std::to_string(format) + ", mode " + std::to_string(mode));
-            const std::string stats = std::string(VARK_EXAMPLES_DIR) + "/stats_fmt" + std::to_string(format) +
-                                      "_mode" + std::to_string(mode) + ".bin";
+            const std::string stats = std::string(VARK_EXAMPLES_DIR) + "/stats_fmt" + std::to_string(format) + "_mode" +
+                                      std::to_string(mode) + ".bin";
             json report = RunJson({"--calib", std::string(VARK_EXAMPLES_DIR) + "/calib_16x12.json", "--stats", stats,
                                    "--format", std::to_string(format)});
             ASSERT_TRUE(report.is_object());
@@ -286,7 +286,7 @@ TEST_F(PdlibRunTest, GeneratorReproducesTheShippedExamples)
     ProcessResult result = testsupport::RunProcess(PDLIB_MAKE_EXAMPLES_EXECUTABLE, {m_directory}, m_directory);
     ASSERT_EQ(0, result.exitStatus) << result.err;
     auto contents = [](const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
+        std::ifstream      file(path, std::ios::binary);
         std::ostringstream bytes;
         bytes << file.rdbuf();
         return bytes.str();

@@ -13,7 +13,7 @@ namespace testsupport
 {
 std::string ReadFileText(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream      file(path, std::ios::binary);
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
@@ -53,7 +53,7 @@ ProcessResult RunProcess(const std::string& program, const std::vector<std::stri
     const pid_t pid = SpawnWithOutputFiles(program, arguments, outPath, errPath);
 
     ProcessResult result = {-1, "", ""};
-    int status = 0;
+    int           status = 0;
     if ((pid > 0) && (pid == waitpid(pid, &status, 0)) && WIFEXITED(status))
     {
         result.exitStatus = WEXITSTATUS(status);

@@ -67,9 +67,8 @@ TEST_F(TonemetryLive, DeviceInfoShowsTheTagVersionAndHandle)
 TEST_F(TonemetryLive, ValueListsComeOneItemALine)
 {
     ExpectOutput({"controls"}, "3 = 17\n12 = 0.500000\n");
-    ExpectOutput({"--json", "controls"},
-                 "{\n  \"controls\": [\n    {\n      \"id\": 3,\n      \"value\": 17\n    },\n"
-                 "    {\n      \"id\": 12,\n      \"value\": 0.5\n    }\n  ]\n}\n");
+    ExpectOutput({"--json", "controls"}, "{\n  \"controls\": [\n    {\n      \"id\": 3,\n      \"value\": 17\n    },\n"
+                                         "    {\n      \"id\": 12,\n      \"value\": 0.5\n    }\n  ]\n}\n");
     ExpectOutput({"triggers"}, "7 = -2\n");
     ExpectOutput({"--json", "triggers"},
                  "{\n  \"triggers\": [\n    {\n      \"id\": 7,\n      \"value\": -2\n    }\n  ]\n}\n");
@@ -84,9 +83,8 @@ TEST_F(TonemetryLive, DescribeShowsRowsWithValuesTypesAndCounts)
                  "major_revision = 1 (Int32)\nminor_revision = 0 (Int32)\nincr_revision = 0 (Int32)\n");
     ExpectOutput({"describe", "Default", "demo10_bps.gamma_tab"}, "gamma (Float[4])\n");
     // Without a path, the root's modules with the mode of the instance that wins.
-    ExpectOutput({"describe", "Usecase.Video"},
-                 "testconfigdata = Default (Module)\ndemo10_ife = Default (Module)\n"
-                 "demo10_bps = Default|Usecase.Video (Module)\n");
+    ExpectOutput({"describe", "Usecase.Video"}, "testconfigdata = Default (Module)\ndemo10_ife = Default (Module)\n"
+                                                "demo10_bps = Default|Usecase.Video (Module)\n");
     ExpectOutput({"--json", "describe", "Default", "demo10_bps.gamma_tab"},
                  "{\n  \"rows\": [\n    {\n      \"name\": \"gamma\",\n      \"type\": \"Float\",\n"
                  "      \"count\": 4\n    }\n  ]\n}\n");

@@ -137,8 +137,7 @@ TEST_P(TonemetryPackVersion, EveryVersionOfTheWriterHoldsEveryModuleAndLoadsInBu
 INSTANTIATE_TEST_SUITE_P(Versions, TonemetryPackVersion,
                          testing::Values("1.0.0", "1.0.2", "1.1.0", "2.0.0", "3.0.0", "3.0.1", "3.1.0", "4.0.0",
                                          "5.0.0"),
-                         [](const testing::TestParamInfo<const char*>& info)
-                         {
+                         [](const testing::TestParamInfo<const char*>& info) {
                              std::string name = std::string("Version") + info.param;
                              for (char& character : name)
                              {
@@ -164,9 +163,9 @@ TEST_F(TonemetryPack, TheShippedSensorSamplePacksAndLoads)
     sensor->Release();
 
     // The use case has an actuator of its own; the rest comes from Default.
-    TuningMode video[2] = {};
-    video[1].mode       = 2;
-    video[1].subMode    = 2;
+    TuningMode video[2]                     = {};
+    video[1].mode                           = 2;
+    video[1].subMode                        = 2;
     Orvo::ActuatorDriverData* rootActuator  = manager.GetModule_actuatorDriver(nullptr, 0, nullptr);
     Orvo::ActuatorDriverData* videoActuator = manager.GetModule_actuatorDriver(video, 2, nullptr);
     ASSERT_NE(nullptr, rootActuator);
@@ -226,11 +225,11 @@ TEST_F(TonemetryPack, ModesByNamedPathsBecomeTheTreeOfTheFile)
     ASSERT_NE(nullptr, manager.GetModeEntry(3)->m_link);
     EXPECT_EQ(manager.GetModeEntry(4), *manager.GetModeEntry(3)->m_link) << "Snapshot links to Sensor.3";
 
-    TuningMode branch[3] = {};
-    branch[1].mode       = 1;
-    branch[1].subMode    = 3;
-    branch[2].mode       = 2;
-    branch[2].subMode    = 5;
+    TuningMode branch[3]     = {};
+    branch[1].mode           = 1;
+    branch[1].subMode        = 3;
+    branch[2].mode           = 2;
+    branch[2].subMode        = 5;
     Orvo::OISDriverData* ois = manager.GetModule_OISDriver(branch, 3, nullptr);
     EXPECT_NE(nullptr, ois) << "the module hangs on Sensor.3|Usecase.SnapshotReprocess";
 }
@@ -256,7 +255,7 @@ TEST_P(TonemetryPackRefusal, TheSourceIsRefusedWithThePathOfWhatIsWrongAndNoFile
     EXPECT_FALSE(std::filesystem::exists(PathOf("bad.bin")));
 }
 
-#define SENSOR_SOURCE(modes, modules) \
+#define SENSOR_SOURCE(modes, modules)                                                                                  \
     R"({"setManager": "ImageSensorModuleSetManager", "modes": )" modes R"(, "modules": )" modules "}"
 #define ROOT_AND_VIDEO R"([{"name": "Default"}, {"name": "Usecase.Video"}])"
 
@@ -271,15 +270,14 @@ INSTANTIATE_TEST_SUITE_P(
                       SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "sensorDriverData", "values": {"resolutionInfo":
                           [{"resolutions": [{}, {}, {}, {"frameRate": "fast"}]}]}}])"),
                       "/modules/0/values/resolutionInfo/0/resolutions/3/frameRate: expected a number"},
-        RefusedSource{"WrongArrayLength",
-                      SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "sensorDriverData", "values": {
+        RefusedSource{"WrongArrayLength", SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "sensorDriverData", "values": {
                           "noiseCoefficientBayer": {"channel": [{}, {}, {}]}}}])"),
                       "/modules/0/values/noiseCoefficientBayer/channel: expected an array of 4 elements, not one of 3"},
-        RefusedSource{"UnknownEnumName",
-                      SENSOR_SOURCE(ROOT_AND_VIDEO,
-                                    R"([{"name": "flashDriverData", "values": {"flashDriverType": "Xenon"}}])"),
-                      "/modules/0/values/flashDriverType: unknown enumerator 'Xenon' of FlashDriverType "
-                      "(FlashDriverType0, FlashDriverType1)"},
+        RefusedSource{
+            "UnknownEnumName",
+            SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "flashDriverData", "values": {"flashDriverType": "Xenon"}}])"),
+            "/modules/0/values/flashDriverType: unknown enumerator 'Xenon' of FlashDriverType "
+            "(FlashDriverType0, FlashDriverType1)"},
         RefusedSource{"UnknownModeName",
                       SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "OISDriver", "mode": "Usecase.Vidoe"}])"),
                       "/modules/0/mode: unknown sub-mode 'Vidoe' of Usecase in 'Usecase.Vidoe'"},

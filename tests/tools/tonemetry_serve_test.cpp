@@ -37,8 +37,7 @@ protected:
         ASSERT_NE(nullptr, mkdtemp(pattern.data()));
         m_directory = pattern;
         // Modes only: the tuning modules are the catalogue's, and the link answers without them.
-        std::ofstream(PathOf("modes.json"))
-            << R"({"setManager": "TuningSetManager", "binaryTag": "bench camera",
+        std::ofstream(PathOf("modes.json")) << R"({"setManager": "TuningSetManager", "binaryTag": "bench camera",
                    "modes": [{"name": "Default"}, {"name": "Usecase.Video"}, {"name": "Usecase.Preview"}],
                    "modules": []})";
         ProcessResult packed = Run({"pack", PathOf("modes.json"), "-o", PathOf("modes.bin")});
@@ -80,7 +79,7 @@ TEST_F(TonemetryServe, ServesUntilSigintOrSigtermInBothModes)
         std::vector<std::string> arguments = run.arguments;
         arguments[1]                       = PathOf(arguments[1]);
         SCOPED_TRACE(arguments.back());
-        ServerProcess server(TONEMETRY_EXECUTABLE, arguments, m_directory);
+        ServerProcess           server(TONEMETRY_EXECUTABLE, arguments, m_directory);
         std::optional<unsigned> port = server.WaitForPort(StartBound);
         ASSERT_TRUE(port.has_value()) << server.Err();
         EXPECT_EQ("listening on port " + std::to_string(*port) + "\n", server.Out());
@@ -120,11 +119,11 @@ class MutePeer
 public:
     MutePeer()
     {
-        m_socket            = socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address = {};
-        address.sin_family  = AF_INET;
+        m_socket                = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address     = {};
+        address.sin_family      = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length    = sizeof(address);
+        socklen_t length        = sizeof(address);
         if ((0 == bind(m_socket, reinterpret_cast<sockaddr*>(&address), length)) && (0 == listen(m_socket, 4)) &&
             (0 == getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &length)))
         {

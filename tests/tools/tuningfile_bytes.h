@@ -31,10 +31,7 @@ inline uint32_t U32At(const std::vector<uint8_t>& image, size_t offset)
 class HandImage
 {
 public:
-    explicit HandImage(size_t length)
-        : m_bytes(length, 0)
-    {
-    }
+    explicit HandImage(size_t length) : m_bytes(length, 0) {}
 
     HandImage& Value(size_t offset, uint64_t value, size_t width)
     {
@@ -67,9 +64,9 @@ public:
     /// The image with the check value in its last four bytes: CRC-32 of all the others.
     std::vector<uint8_t> Finished() const
     {
-        std::vector<uint8_t> bytes = m_bytes;
+        std::vector<uint8_t> bytes   = m_bytes;
         const size_t         checked = bytes.size() - 4;
-        const uint32_t       crc = ParameterBinaryFile::ComputeCRC(bytes.data(), checked);
+        const uint32_t       crc     = ParameterBinaryFile::ComputeCRC(bytes.data(), checked);
         for (size_t byte = 0; byte < 4; ++byte)
         {
             bytes[checked + byte] = static_cast<uint8_t>(crc >> (8 * byte));

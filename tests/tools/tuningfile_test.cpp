@@ -37,18 +37,18 @@ std::vector<uint8_t> Written(const TuningFileModel& model)
 Module MakeModule(const std::string& name, uint32_t modeId, const DataBuilder& data)
 {
     Module module;
-    module.name = name;
+    module.name    = name;
     module.version = Version{3, 4, 0};
-    module.modeId = modeId;
-    module.data = data;
+    module.modeId  = modeId;
+    module.data    = data;
     return module;
 }
 
 Mode MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId)
 {
     Mode entry;
-    entry.mode = mode;
-    entry.subMode = subMode;
+    entry.mode     = mode;
+    entry.subMode  = subMode;
     entry.parentId = parentId;
     return entry;
 }
@@ -56,15 +56,15 @@ Mode MakeMode(uint16_t mode, uint16_t subMode, uint32_t parentId)
 /// The section table of a written file, by type: offset and size.
 struct Section
 {
-    uint32_t offset = 0;
-    uint32_t size = 0;
+    uint32_t offset  = 0;
+    uint32_t size    = 0;
     bool     present = false;
 };
 
 Section FindSection(const std::vector<uint8_t>& image, uint32_t headerSize, uint32_t cell, uint32_t type)
 {
     const uint32_t tableOffset = U32At(image, headerSize - 8);
-    const uint32_t count = U32At(image, headerSize - 4);
+    const uint32_t count       = U32At(image, headerSize - 4);
     for (uint32_t index = 0; index < count; ++index)
     {
         const uint32_t entry = tableOffset + index * 3 * cell;
@@ -82,12 +82,12 @@ Section FindSection(const std::vector<uint8_t>& image, uint32_t headerSize, uint
 TEST(TuningFileLayout, CurrentVersionWithModeTreeMatchesTheHandBuiltFile)
 {
     TuningFileModel model;
-    model.tool = "writer";
-    model.binaryTag = "unit";
-    model.modes = {MakeMode(0, 0, 0), MakeMode(2, 1, 0), MakeMode(2, 2, 0)};
+    model.tool            = "writer";
+    model.binaryTag       = "unit";
+    model.modes           = {MakeMode(0, 0, 0), MakeMode(2, 1, 0), MakeMode(2, 2, 0)};
     model.modes[1].pinned = true;
     model.modes[2].linkId = 1;
-    model.modules = {MakeModule("tonemetry_abf34", 1, DataBuilder().U32(7))};
+    model.modules         = {MakeModule("tonemetry_abf34", 1, DataBuilder().U32(7))};
 
     // Header 168, section table of 3 x 12 at 168, mode section (32 + 3 x 24) at 204, symbol
     // table (1 x 60) at 308, data (4) at 368, check value at 372.
@@ -109,12 +109,9 @@ TEST(TuningFileLayout, CurrentVersionWithModeTreeMatchesTheHandBuiltFile)
 TEST(TuningFileLayout, DataTableHoldsStringRepeatedAndOptionalEntries)
 {
     TuningFileModel model;
-    model.modules = {MakeModule("tonemetry_abf34", 0,
-                                DataBuilder()
-                                    .U32(0xA1)
-                                    .String("hi")
-                                    .Repeated(std::vector<uint16_t>{5, 6, 7})
-                                    .OptionalAbsent())};
+    model.modules = {
+        MakeModule("tonemetry_abf34", 0,
+                   DataBuilder().U32(0xA1).String("hi").Repeated(std::vector<uint16_t>{5, 6, 7}).OptionalAbsent())};
 
     // No mode section. Symbol table at 204, data table (3 x 16) at 264, data at 312. File mode
     // reads 60 bytes at the last data-table record (296), so the data section runs to 352.
@@ -138,13 +135,10 @@ TEST(TuningFileLayout, AlignmentEightCellsPaddingAndPointersInTheSymbolTable)
 {
     TuningFileModel model;
     model.version = Version{2, 0, 0};
-    model.modes = {MakeMode(0, 0, 0), MakeMode(2, 1, 0)};
-    model.modules = {MakeModule("tonemetry_abf34", 1,
-                                DataBuilder()
-                                    .U16(0x1234)
-                                    .FixedArray(std::vector<uint8_t>{1, 2, 3})
-                                    .Enum(5)
-                                    .String("abc"))};
+    model.modes   = {MakeMode(0, 0, 0), MakeMode(2, 1, 0)};
+    model.modules = {
+        MakeModule("tonemetry_abf34", 1,
+                   DataBuilder().U16(0x1234).FixedArray(std::vector<uint8_t>{1, 2, 3}).Enum(5).String("abc"))};
 
     // Header 160 (no flags below 3.0.0), section entries of 3 x 8, mode records of 32, symbol
     // records of 72 in a section of 76 per record; the string is symbol entry 2.
@@ -168,7 +162,7 @@ TEST(TuningFileLayout, OldestVersionHasTheShortHeaderAndReservedSymbolBytes)
 {
     TuningFileModel model;
     model.version = Version{1, 0, 0};
-    model.modes = {MakeMode(0, 0, 0)};
+    model.modes   = {MakeMode(0, 0, 0)};
     model.modules = {MakeModule("sensordriver", 0, DataBuilder().U8(0x5A))};
 
     // Header 48 with the section table at 40 and its count at 44; a lone root needs no mode
@@ -211,7 +205,7 @@ TEST_P(TuningFileGates, SectionsRecordsAndCellsFollowTheVersion)
     const GateCase& gate = GetParam();
     TuningFileModel model;
     model.version = gate.version;
-    model.modes = {MakeMode(0, 0, 0)};
+    model.modes   = {MakeMode(0, 0, 0)};
     if (gate.modeSectionSize > 0)
     {
         model.modes.push_back(MakeMode(3, 1, 0));
@@ -230,30 +224,29 @@ TEST_P(TuningFileGates, SectionsRecordsAndCellsFollowTheVersion)
     EXPECT_EQ(modes.size, gate.modeSectionSize);
 
     // The string's entry goes to the data table where there is one, else to the symbol table.
-    const Section  symbols = FindSection(image, gate.headerSize, gate.cell, 0);
-    const Section  dataTable = FindSection(image, gate.headerSize, gate.cell, 3);
+    const Section  symbols     = FindSection(image, gate.headerSize, gate.cell, 0);
+    const Section  dataTable   = FindSection(image, gate.headerSize, gate.cell, 3);
     const uint32_t symbolCount = gate.dataTable ? 1 : 2;
     EXPECT_EQ(symbols.size, symbolCount * gate.symbolEntrySize);
     EXPECT_EQ(dataTable.present, gate.dataTable);
     EXPECT_EQ(dataTable.size, gate.dataTable ? 16u : 0u);
 
     // The module's bytes: a length cell and an id cell.
-    const Section  data = FindSection(image, gate.headerSize, gate.cell, 1);
+    const Section data = FindSection(image, gate.headerSize, gate.cell, 1);
     EXPECT_EQ(U32At(image, symbols.offset + gate.dataSizeAt), 2 * gate.cell);
     EXPECT_EQ(U32At(image, data.offset + gate.cell), gate.dataTable ? 1u : 2u);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EveryVersionGate, TuningFileGates,
-    ::testing::Values(GateCase{Version{1, 0, 0}, 48, 4, 0, 64, 60, false},
-                      GateCase{Version{1, 0, 2}, 160, 4, 2 * 16, 64, 60, false},
-                      GateCase{Version{1, 1, 0}, 160, 8, 2 * 24, 76, 64, false},
-                      GateCase{Version{2, 0, 0}, 160, 8, 2 * 32, 76, 64, false},
-                      GateCase{Version{3, 0, 0}, 168, 8, 2 * 32, 76, 64, false},
-                      GateCase{Version{3, 0, 1}, 168, 4, 2 * 20, 56, 52, false},
-                      GateCase{Version{3, 1, 0}, 168, 4, 2 * 20, 60, 52, false},
-                      GateCase{Version{4, 0, 0}, 168, 4, 32 + 2 * 20, 60, 52, true},
-                      GateCase{Version{5, 0, 0}, 168, 4, 32 + 2 * 24, 60, 52, true}));
+INSTANTIATE_TEST_SUITE_P(EveryVersionGate, TuningFileGates,
+                         ::testing::Values(GateCase{Version{1, 0, 0}, 48, 4, 0, 64, 60, false},
+                                           GateCase{Version{1, 0, 2}, 160, 4, 2 * 16, 64, 60, false},
+                                           GateCase{Version{1, 1, 0}, 160, 8, 2 * 24, 76, 64, false},
+                                           GateCase{Version{2, 0, 0}, 160, 8, 2 * 32, 76, 64, false},
+                                           GateCase{Version{3, 0, 0}, 168, 8, 2 * 32, 76, 64, false},
+                                           GateCase{Version{3, 0, 1}, 168, 4, 2 * 20, 56, 52, false},
+                                           GateCase{Version{3, 1, 0}, 168, 4, 2 * 20, 60, 52, false},
+                                           GateCase{Version{4, 0, 0}, 168, 4, 32 + 2 * 20, 60, 52, true},
+                                           GateCase{Version{5, 0, 0}, 168, 4, 32 + 2 * 24, 60, 52, true}));
 
 // ---------------------------------------------------------------------------------------------
 // Member encoding at both alignments.
@@ -265,20 +258,19 @@ class WrittenFile
 public:
     struct Table
     {
-        uint32_t offset = 0;
-        uint32_t stride = 0;
+        uint32_t offset       = 0;
+        uint32_t stride       = 0;
         uint32_t dataOffsetAt = 0; // the data size follows in the next cell
     };
 
-    WrittenFile(TuningFileModel model, bool alignment8)
-        : m_cell(alignment8 ? 8 : 4)
+    WrittenFile(TuningFileModel model, bool alignment8) : m_cell(alignment8 ? 8 : 4)
     {
-        model.version = alignment8 ? Version{2, 0, 0} : Version{5, 0, 0};
-        m_image = Written(model);
+        model.version             = alignment8 ? Version{2, 0, 0} : Version{5, 0, 0};
+        m_image                   = Written(model);
         const uint32_t headerSize = alignment8 ? 160 : 168;
-        m_data = FindSection(m_image, headerSize, m_cell, 1).offset;
+        m_data                    = FindSection(m_image, headerSize, m_cell, 1).offset;
         symbols = {FindSection(m_image, headerSize, m_cell, 0).offset, alignment8 ? 72u : 60u, alignment8 ? 56u : 48u};
-        blocks = alignment8 ? symbols : Table{FindSection(m_image, headerSize, m_cell, 3).offset, 16, 4};
+        blocks  = alignment8 ? symbols : Table{FindSection(m_image, headerSize, m_cell, 3).offset, 16, 4};
     }
 
     uint32_t Field(const Table& table, uint32_t id, uint32_t at) const
@@ -291,7 +283,7 @@ public:
     std::vector<uint8_t> Bytes(const Table& table, uint32_t id) const
     {
         const uint32_t offset = m_data + DataOffset(table, id);
-        const uint32_t size = Field(table, id, table.dataOffsetAt + m_cell);
+        const uint32_t size   = Field(table, id, table.dataOffsetAt + m_cell);
         if (uint64_t{offset} + size > m_image.size())
         {
             ADD_FAILURE() << "entry " << id << " runs past the end of the file";
@@ -333,17 +325,25 @@ TEST(TuningFileData, InlineMembersTakeTheirCellsAndArraysArePadded)
         {"Int16", DataBuilder().I16(-2), {0xFE, 0xFF}, {0xFE, 0xFF, 0, 0, 0, 0, 0, 0}},
         {"Int32", DataBuilder().I32(-1), {0xFF, 0xFF, 0xFF, 0xFF}, {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}},
         {"UInt64", DataBuilder().U64(0x0102030405060708), {8, 7, 6, 5, 4, 3, 2, 1}, {8, 7, 6, 5, 4, 3, 2, 1}},
-        {"Int64", DataBuilder().I64(-2), {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},
+        {"Int64",
+         DataBuilder().I64(-2),
+         {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},
          {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
         {"Float", DataBuilder().F32(1.0f), {0, 0, 0x80, 0x3F}, {0, 0, 0x80, 0x3F, 0, 0, 0, 0}},
         {"Double", DataBuilder().F64(-2.0), {0, 0, 0, 0, 0, 0, 0, 0xC0}, {0, 0, 0, 0, 0, 0, 0, 0xC0}},
         {"Enum", DataBuilder().Enum(6), {6, 0, 0, 0}, {6, 0, 0, 0, 0, 0, 0, 0}},
-        {"UInt16 array of 3", DataBuilder().FixedArray(std::vector<uint16_t>{1, 2, 0x300}), {1, 0, 2, 0, 0, 3},
+        {"UInt16 array of 3",
+         DataBuilder().FixedArray(std::vector<uint16_t>{1, 2, 0x300}),
+         {1, 0, 2, 0, 0, 3},
          {1, 0, 2, 0, 0, 3, 0, 0}},
-        {"Float array of 2 fills a unit", DataBuilder().FixedArray(std::vector<float>{1.0f, -1.0f}),
-         {0, 0, 0x80, 0x3F, 0, 0, 0x80, 0xBF}, {0, 0, 0x80, 0x3F, 0, 0, 0x80, 0xBF}},
+        {"Float array of 2 fills a unit",
+         DataBuilder().FixedArray(std::vector<float>{1.0f, -1.0f}),
+         {0, 0, 0x80, 0x3F, 0, 0, 0x80, 0xBF},
+         {0, 0, 0x80, 0x3F, 0, 0, 0x80, 0xBF}},
         {"Empty array", DataBuilder().FixedArray(std::vector<int32_t>{}).U8(1), {1}, {1, 0, 0, 0, 0, 0, 0, 0}},
-        {"Nested record in line", DataBuilder().Record(DataBuilder().U8(1).U16(2)).U8(3), {1, 2, 0, 3},
+        {"Nested record in line",
+         DataBuilder().Record(DataBuilder().U8(1).U16(2)).U8(3),
+         {1, 2, 0, 3},
          {1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 0}},
     };
     for (const EncodingCase& encoding : cases)
@@ -382,7 +382,8 @@ TEST(TuningFileData, OptionalMembersPointToTheirValueOrToAnEmptyEntry)
     const DataBuilder data = DataBuilder().Optional(DataBuilder().U16(7)).OptionalAbsent().String("");
 
     const WrittenFile narrow(OneModule(data), false);
-    EXPECT_EQ(narrow.Bytes(narrow.symbols, 1), (Bytes{1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0}));
+    EXPECT_EQ(narrow.Bytes(narrow.symbols, 1),
+              (Bytes{1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0}));
     EXPECT_EQ(narrow.Bytes(narrow.blocks, 1), (Bytes{7, 0}));
     EXPECT_EQ(narrow.Bytes(narrow.blocks, 2), Bytes{});
     // An empty string still has its terminator, so that its entry has bytes to read.
@@ -401,7 +402,7 @@ TEST(TuningFileDuplicates, IdenticalContentSharesTheFirstIdAndIdenticalBytesOneP
     const DataBuilder listOfTwo = DataBuilder().U8(9).Repeated(
         std::vector<DataBuilder>{DataBuilder().U32(1).String("x"), DataBuilder().U32(2).String("x")});
     TuningFileModel model;
-    model.modes = {MakeMode(0, 0, 0), MakeMode(2, 1, 0)};
+    model.modes   = {MakeMode(0, 0, 0), MakeMode(2, 1, 0)};
     model.modules = {MakeModule("tonemetry_abf34", 0, listOfTwo), MakeModule("tonemetry_abf34", 1, listOfTwo),
                      MakeModule("tonemetry_tf20", 1, DataBuilder().String("x"))};
     const WrittenFile file(model, false);
@@ -461,9 +462,9 @@ TEST(TuningFileSymbols, ModuleTypeIsTheShortFormOfTheRegisteredName)
     {
         model.modules.push_back(MakeModule(name, 0, DataBuilder().U8(1)));
     }
-    const std::vector<uint8_t> image = Written(model);
+    const std::vector<uint8_t> image   = Written(model);
     const uint32_t             symbols = FindSection(image, 168, 4, 0).offset;
-    auto                       typeOf = [&](uint32_t index) {
+    auto                       typeOf  = [&](uint32_t index) {
         const auto field = image.begin() + symbols + index * 60 + 4;
         return std::string(std::string(field, field + 32).c_str());
     };
@@ -481,15 +482,15 @@ TEST(TuningFileSymbols, ModuleTypeIsTheShortFormOfTheRegisteredName)
 
 struct RefusalCase
 {
-    const char*                            name;
+    const char*                           name;
     std::function<void(TuningFileModel*)> change;
-    std::string                            error;
+    std::string                           error;
 };
 
 TuningFileModel ThreeModes()
 {
     TuningFileModel model;
-    model.modes = {MakeMode(0, 0, 0), MakeMode(2, 1, 0), MakeMode(3, 1, 1)};
+    model.modes   = {MakeMode(0, 0, 0), MakeMode(2, 1, 0), MakeMode(3, 1, 1)};
     model.modules = {MakeModule("tonemetry_abf34", 0, DataBuilder().U32(1))};
     return model;
 }
@@ -497,7 +498,10 @@ TuningFileModel ThreeModes()
 TEST(TuningFileRefusals, EachRefusalNamesTheOffendingItem)
 {
     const std::vector<RefusalCase> cases = {
-        {"version", [](TuningFileModel* m) { m->version = Version{5, 0, 1}; },
+        {"version",
+         [](TuningFileModel* m) {
+             m->version = Version{5, 0, 1};
+         },
          "version 5.0.1 is above 5.0.0, the newest version the reader accepts"},
         {"alignment value", [](TuningFileModel* m) { m->alignment = 4; },
          "alignment 4 is not one of the format's alignments, 1 and 8"},
@@ -506,7 +510,7 @@ TEST(TuningFileRefusals, EachRefusalNamesTheOffendingItem)
          "versions from 1.1.0 up to, not including, 3.0.1"},
         {"alignment 1 at 2.0.0",
          [](TuningFileModel* m) {
-             m->version = Version{2, 0, 0};
+             m->version   = Version{2, 0, 0};
              m->alignment = 1;
          },
          "alignment 1 does not match version 2.0.0, whose files have alignment 8; alignment 1 belongs to "
@@ -524,14 +528,18 @@ TEST(TuningFileRefusals, EachRefusalNamesTheOffendingItem)
              m->tool = "writer";
          },
          "tool text needs version 1.0.2 or above; the header of 1.0.0 has no such field"},
-        {"modes before 1.0.2", [](TuningFileModel* m) { m->version = Version{1, 0, 1}; },
+        {"modes before 1.0.2",
+         [](TuningFileModel* m) {
+             m->version = Version{1, 0, 1};
+         },
          "modes[1]: modes beyond the root need version 1.0.2 or above; older files have Default data only"},
-        {"root", [](TuningFileModel* m) { m->modes[0].mode = 1; }, "modes[0] must be the root: mode 0.0, parent 0, no link"},
+        {"root", [](TuningFileModel* m) { m->modes[0].mode = 1; },
+         "modes[0] must be the root: mode 0.0, parent 0, no link"},
         {"parent order", [](TuningFileModel* m) { m->modes[1].parentId = 2; },
          "modes[1]: parent 2 must be a mode that stands before it"},
         {"link before 2.0.0",
          [](TuningFileModel* m) {
-             m->version = Version{1, 5, 0};
+             m->version         = Version{1, 5, 0};
              m->modes[2].linkId = 1;
          },
          "modes[2]: a link needs version 2.0.0 or above"},
@@ -544,7 +552,7 @@ TEST(TuningFileRefusals, EachRefusalNamesTheOffendingItem)
          "modes[1]: its links run in a loop"},
         {"pinned before 5.0.0",
          [](TuningFileModel* m) {
-             m->version = Version{4, 0, 0};
+             m->version         = Version{4, 0, 0};
              m->modes[2].pinned = true;
          },
          "modes[2]: the pinned flag needs version 5.0.0 or above"},
@@ -592,7 +600,7 @@ TEST(TuningFileRefusals, MissingOutputIsRefusedAndAnErrorTextIsOptional)
     EXPECT_EQ(error, "no output buffer was given");
 
     TuningFileModel model = ThreeModes();
-    model.version = Version{6, 0, 0};
+    model.version         = Version{6, 0, 0};
     std::vector<uint8_t> image;
     EXPECT_FALSE(tuningfile::Write(model, &image, nullptr));
     EXPECT_TRUE(image.empty());
@@ -603,7 +611,7 @@ TEST(TuningFileRefusals, WhatTheReaderImpliesAnywayIsAccepted)
     // Before 5.0.0 there is no pinned flag, but the reader pins modes 0 and 1 itself; a lone root
     // before 1.0.2 is the default tree the reader makes.
     TuningFileModel model = ThreeModes();
-    model.version = Version{4, 0, 0};
+    model.version         = Version{4, 0, 0};
     model.modes[0].pinned = true;
     model.modes.push_back(MakeMode(1, 2, 0));
     model.modes.back().pinned = true;
@@ -612,7 +620,7 @@ TEST(TuningFileRefusals, WhatTheReaderImpliesAnywayIsAccepted)
     EXPECT_TRUE(tuningfile::Write(model, &image, &error)) << error;
 
     TuningFileModel oldest = ThreeModes();
-    oldest.version = Version{1, 0, 0};
+    oldest.version         = Version{1, 0, 0};
     oldest.modes.resize(1);
     EXPECT_TRUE(tuningfile::Write(oldest, &image, &error)) << error;
     EXPECT_EQ(U32At(image, 44), 2u);
@@ -637,7 +645,7 @@ TEST(TuningFileOnDisk, WriteFileStoresTheImageOfWriteRefusesWithoutAFileAndNames
     std::remove(path.c_str());
 
     TuningFileModel model = ThreeModes();
-    model.version = Version{5, 1, 0};
+    model.version         = Version{5, 1, 0};
     EXPECT_FALSE(tuningfile::WriteFile(path, model, &error));
     EXPECT_EQ(error, "version 5.1.0 is above 5.0.0, the newest version the reader accepts");
     EXPECT_FALSE(std::ifstream(path).good());

@@ -14,8 +14,8 @@ namespace
 {
 using Json = nlohmann::json;
 
-constexpr uint32_t MinKnots = 2;
-constexpr double MaxAddress = 65535.0;
+constexpr uint32_t MinKnots   = 2;
+constexpr double   MaxAddress = 65535.0;
 
 class CalibrationReader
 {
@@ -25,7 +25,7 @@ public:
     uint16_t ReadCount(const char* pName, uint32_t max) const
     {
         const Json& value = Field(pName);
-        const bool valid = value.is_number_integer() && (value.get<int64_t>() >= MinKnots) &&
+        const bool  valid = value.is_number_integer() && (value.get<int64_t>() >= MinKnots) &&
                            (value.get<int64_t>() <= static_cast<int64_t>(max));
         if (!valid)
         {
@@ -41,7 +41,7 @@ public:
         for (uint16_t i = 0; i < count; i++)
         {
             const Json& value = array[i];
-            const bool whole = value.is_number_integer() && (value.get<int64_t>() >= 0) &&
+            const bool  whole = value.is_number_integer() && (value.get<int64_t>() >= 0) &&
                                (value.get<int64_t>() <= static_cast<int64_t>(MaxAddress));
             if (!whole)
             {
@@ -60,8 +60,8 @@ public:
         const Json& array = ArrayOf(pName, count);
         for (uint32_t i = 0; i < count; i++)
         {
-            const Json& value = array[i];
-            const bool representable = value.is_number() && std::isfinite(value.get<double>()) &&
+            const Json& value         = array[i];
+            const bool  representable = value.is_number() && std::isfinite(value.get<double>()) &&
                                        (std::fabs(value.get<double>()) <= std::numeric_limits<FLOAT>::max());
             if (!representable)
             {
@@ -105,7 +105,7 @@ private:
 PDAFDCCCalibrationData LoadCalibration(const std::string& path)
 {
     const std::string text = ReadInputFile(path, "calibration");
-    Json document;
+    Json              document;
     try
     {
         document = Json::parse(text);
@@ -119,11 +119,11 @@ PDAFDCCCalibrationData LoadCalibration(const std::string& path)
         throw InputError(path + ": expected a JSON object with the calibration fields");
     }
 
-    CalibrationReader reader(path, document);
+    CalibrationReader      reader(path, document);
     PDAFDCCCalibrationData calibration = {};
-    calibration.isAvailable = 1;
-    calibration.knotXCount = reader.ReadCount("knotXCount", MaxPDAFKnotX);
-    calibration.knotYCount = reader.ReadCount("knotYCount", MaxPDAFKnotY);
+    calibration.isAvailable            = 1;
+    calibration.knotXCount             = reader.ReadCount("knotXCount", MaxPDAFKnotX);
+    calibration.knotYCount             = reader.ReadCount("knotYCount", MaxPDAFKnotY);
     reader.ReadAddresses("slopeOffsetAddressX", calibration.knotXCount, calibration.slopeOffsetAddressX);
     reader.ReadAddresses("slopeOffsetAddressY", calibration.knotYCount, calibration.slopeOffsetAddressY);
     const uint32_t nodes = static_cast<uint32_t>(calibration.knotXCount) * calibration.knotYCount;

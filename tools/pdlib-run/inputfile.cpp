@@ -24,7 +24,7 @@ public:
             close(m_fd);
         }
     }
-    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor(const FileDescriptor&)            = delete;
     FileDescriptor& operator=(const FileDescriptor&) = delete;
 
     int Get() const { return m_fd; }
@@ -37,8 +37,8 @@ private:
 std::string ReadInputFile(const std::string& path, const std::string& what)
 {
     const std::string failure = path + ": cannot read the " + what + ": ";
-    FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    struct stat status = {};
+    FileDescriptor    file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat       status = {};
     if ((file.Get() < 0) || (0 != fstat(file.Get(), &status)))
     {
         throw InputError(failure + std::strerror(errno));
@@ -50,7 +50,7 @@ std::string ReadInputFile(const std::string& path, const std::string& what)
     }
 
     std::string bytes;
-    char chunk[4096];
+    char        chunk[4096];
     for (;;)
     {
         const ssize_t count = read(file.Get(), chunk, sizeof(chunk));

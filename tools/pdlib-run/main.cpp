@@ -26,11 +26,11 @@ int Run(const pdlibrun::RunOptions& options)
     using namespace pdlibrun;
 
     // Declared before the host: the engine points into the calibration until the camera closes.
-    PDAFDCCCalibrationData calibration = LoadCalibration(options.calibrationPath);
-    std::vector<uint8_t> buffer = ReadStatsBuffer(options.statsPath, options.format);
+    PDAFDCCCalibrationData             calibration  = LoadCalibration(options.calibrationPath);
+    std::vector<uint8_t>               buffer       = ReadStatsBuffer(options.statsPath, options.format);
     std::unique_ptr<PDLibCreateParams> createParams = MakeCreateParams(options, &calibration);
-    std::unique_ptr<PDLibInputs> inputs = MakeFrameInputs(options, buffer);
-    auto outputs = std::make_unique<PDLibOutputs>();
+    std::unique_ptr<PDLibInputs>       inputs       = MakeFrameInputs(options, buffer);
+    auto                               outputs      = std::make_unique<PDLibOutputs>();
 
     if (!options.verbose)
     {

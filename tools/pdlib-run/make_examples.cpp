@@ -15,17 +15,17 @@ namespace
 using pdlibrun::StatsFormat;
 using pdlibrun::WindowMode;
 
-constexpr double ImageWidth = 4000.0;
-constexpr double ImageHeight = 3000.0;
-constexpr uint32_t KnotsX = 16;
-constexpr uint32_t KnotsY = 12;
+constexpr double   ImageWidth  = 4000.0;
+constexpr double   ImageHeight = 3000.0;
+constexpr uint32_t KnotsX      = 16;
+constexpr uint32_t KnotsY      = 12;
 // Knots at the centres of a 16 x 12 grid of 250-pixel blocks over the full image.
 constexpr uint32_t KnotPitch = 250;
 constexpr uint32_t FirstKnot = KnotPitch / 2;
 
-constexpr uint8_t WindowFlagValid = 0x01;
-constexpr uint32_t AreaModeShift = 6;
-constexpr double RawPhasePerPixel = 16.0;
+constexpr uint8_t  WindowFlagValid  = 0x01;
+constexpr uint32_t AreaModeShift    = 6;
+constexpr double   RawPhasePerPixel = 16.0;
 
 // ---- Calibration --------------------------------------------------------------------------
 
@@ -49,8 +49,8 @@ uint32_t KnotAddress(uint32_t knot)
     return FirstKnot + KnotPitch * knot;
 }
 
-void WriteNumberArray(std::ofstream& out, const char* pName, uint32_t rows, uint32_t columns,
-                      const char* pFormat, const std::vector<double>& values, bool last)
+void WriteNumberArray(std::ofstream& out, const char* pName, uint32_t rows, uint32_t columns, const char* pFormat,
+                      const std::vector<double>& values, bool last)
 {
     out << "  \"" << pName << "\": [";
     for (uint32_t i = 0; i < rows * columns; i++)
@@ -135,17 +135,17 @@ SceneSample SampleScene(double u, double v, uint32_t window)
     if (Inside(u, v, 0.50, 0.55, 0.20, 0.28))
     {
         sample.phasePixels = 0.25 + 0.5 * (v - 0.55);
-        sample.confidence = 0.85;
+        sample.confidence  = 0.85;
     }
     else if (v > 0.80)
     {
         sample.phasePixels = 2.0 + 8.0 * (v - 0.80) / 0.20;
-        sample.confidence = 0.55;
+        sample.confidence  = 0.55;
     }
     else
     {
         sample.phasePixels = -4.5 - 2.5 * (1.0 - v);
-        sample.confidence = (v < 0.30) ? 0.02 : 0.40 + 0.20 * u;
+        sample.confidence  = (v < 0.30) ? 0.02 : 0.40 + 0.20 * u;
     }
     sample.phasePixels += 0.15 * Noise(window, 0);
     sample.confidence *= 1.0 + 0.25 * Noise(window, 1);
@@ -157,22 +157,22 @@ SceneSample SampleScene(double u, double v, uint32_t window)
 void WindowCentre(const WindowMode& mode, uint32_t index, double* pU, double* pV)
 {
     const uint32_t column = index % mode.horizontal;
-    const uint32_t row = index / mode.horizontal;
-    *pU = (column + 0.5) / mode.horizontal;
-    *pV = (1 == mode.vertical) ? 0.55 : (row + 0.5) / mode.vertical;
+    const uint32_t row    = index / mode.horizontal;
+    *pU                   = (column + 0.5) / mode.horizontal;
+    *pV                   = (1 == mode.vertical) ? 0.55 : (row + 0.5) / mode.vertical;
 }
 
 std::vector<uint8_t> MakeStatsBuffer(int formatNumber, uint32_t areaMode)
 {
     StatsFormat format;
-    WindowMode mode;
+    WindowMode  mode;
     pdlibrun::LookUpStatsFormat(formatNumber, &format);
     pdlibrun::LookUpWindowMode(areaMode, &mode);
 
     // Ends with the highest record. The gaps of the 48-window mode, where the sensor's unused
     // columns would be, stay zero, and so do the bytes between the header and the first record.
     std::vector<uint8_t> buffer(pdlibrun::RequiredBufferSize(format, mode), 0);
-    buffer[0] = WindowFlagValid;
+    buffer[0]                      = WindowFlagValid;
     buffer[pdlibrun::AreaModeByte] = static_cast<uint8_t>(areaMode << AreaModeShift);
 
     const double fullScale = static_cast<double>((1u << format.confidenceBits) - 1);
@@ -184,8 +184,8 @@ std::vector<uint8_t> MakeStatsBuffer(int formatNumber, uint32_t areaMode)
         const SceneSample sample = SampleScene(u, v, i);
         // A clipped window has no phase: the 11-bit format marks it with its lowest raw value.
         const int32_t clippedPhase = (11 == format.phaseBits) ? pdlibrun::MinRawPhase(format) : 0;
-        const int32_t rawPhase = sample.clipped ? clippedPhase
-                                                : static_cast<int32_t>(std::lround(sample.phasePixels * RawPhasePerPixel));
+        const int32_t rawPhase =
+            sample.clipped ? clippedPhase : static_cast<int32_t>(std::lround(sample.phasePixels * RawPhasePerPixel));
         const uint32_t confidence = static_cast<uint32_t>(std::lround(sample.confidence * fullScale));
         pdlibrun::EncodeRecord(format, confidence, rawPhase, &buffer[pdlibrun::RecordOffset(format, mode, i)]);
     }
@@ -208,14 +208,13 @@ int main(int argc, char** argv)
         return 2;
     }
     const std::string directory = argv[1];
-    bool written = WriteCalibration(directory + "/calib_16x12.json");
+    bool              written   = WriteCalibration(directory + "/calib_16x12.json");
     for (int format = 1; format <= 3; format++)
     {
         for (uint32_t areaMode = 0; areaMode <= 2; areaMode++)
         {
-            const std::string name =
-                "stats_fmt" + std::to_string(format) + "_mode" + std::to_string(areaMode) + ".bin";
-            written = WriteFile(directory + "/" + name, MakeStatsBuffer(format, areaMode)) && written;
+            const std::string name = "stats_fmt" + std::to_string(format) + "_mode" + std::to_string(areaMode) + ".bin";
+            written                = WriteFile(directory + "/" + name, MakeStatsBuffer(format, areaMode)) && written;
         }
     }
     if (!written)

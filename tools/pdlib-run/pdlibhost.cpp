@@ -40,19 +40,19 @@ PdLibHost::PdLibHost(const std::string& libraryPath)
     ResolveCallbacks(libraryPath);
 
     KelAlgorithmInterface services = {};
-    services.size = sizeof(services);
-    services.pGetVendorTagBase = GetVendorTagBase;
+    services.size                  = sizeof(services);
+    services.pGetVendorTagBase     = GetVendorTagBase;
     m_callbacks.pfnSetAlgoInterface(&services);
 
-    KelQueryVendorTag query = {sizeof(query), nullptr};
-    KelResult result = m_callbacks.pfnQueryVendorTag(&query);
+    KelQueryVendorTag query  = {sizeof(query), nullptr};
+    KelResult         result = m_callbacks.pfnQueryVendorTag(&query);
     if ((KelResultSuccess != result) || (nullptr == query.pVendorTagInfo))
     {
         throw LibraryError("the vendor tag query failed: " + ResultText(result));
     }
 
     KelAlgorithmCapsInfo capabilities = {sizeof(capabilities), 0};
-    result = m_callbacks.pfnGetCapabilities(&capabilities);
+    result                            = m_callbacks.pfnGetCapabilities(&capabilities);
     if (KelResultSuccess != result)
     {
         throw LibraryError("the capability query failed: " + ResultText(result));
@@ -67,11 +67,11 @@ PdLibHost::~PdLibHost()
     {
         return;
     }
-    UINT32 closeIndicator = ActualOpenOrClose;
-    StatsCameraInfo cameraInfo = {StatsAlgoRoleDefault, CameraId};
-    PDLibDestroyParam params[] = {
-        {PDLibDestroyParamTypeCameraCloseIndicator, &closeIndicator, sizeof(closeIndicator)},
-        {PDLibDestroyParamTypeCameraInfo, &cameraInfo, sizeof(cameraInfo)},
+    UINT32            closeIndicator = ActualOpenOrClose;
+    StatsCameraInfo   cameraInfo     = {StatsAlgoRoleDefault, CameraId};
+    PDLibDestroyParam params[]       = {
+              {PDLibDestroyParamTypeCameraCloseIndicator, &closeIndicator, sizeof(closeIndicator)},
+              {PDLibDestroyParamTypeCameraInfo, &cameraInfo, sizeof(cameraInfo)},
     };
     const PDLibDestroyParamList list = {params, 2};
     m_pInstance->PDLibDestroy(m_pInstance, &list);
@@ -103,14 +103,14 @@ void PdLibHost::ResolveCallbacks(const std::string& libraryPath)
 
 void PdLibHost::OpenCamera()
 {
-    UINT32 openIndicator = ActualOpenOrClose;
-    StatsCameraInfo cameraInfo = {StatsAlgoRoleDefault, CameraId};
-    PDLibCreateParam params[] = {
-        {PDLibCreateParamTypeCameraOpenIndicator, &openIndicator, sizeof(openIndicator)},
-        {PDLibCreateParamTypeCameraInfo, &cameraInfo, sizeof(cameraInfo)},
+    UINT32           openIndicator = ActualOpenOrClose;
+    StatsCameraInfo  cameraInfo    = {StatsAlgoRoleDefault, CameraId};
+    PDLibCreateParam params[]      = {
+             {PDLibCreateParamTypeCameraOpenIndicator, &openIndicator, sizeof(openIndicator)},
+             {PDLibCreateParamTypeCameraInfo, &cameraInfo, sizeof(cameraInfo)},
     };
-    const PDLibCreateParamList list = {params, 2};
-    const KelResult result = m_callbacks.pfnCreate(&m_pInstance, &list);
+    const PDLibCreateParamList list   = {params, 2};
+    const KelResult            result = m_callbacks.pfnCreate(&m_pInstance, &list);
     if ((KelResultSuccess != result) || (nullptr == m_pInstance))
     {
         throw LibraryError("the library made no instance for camera 0: " + ResultText(result));

@@ -21,7 +21,7 @@ public:
     /// Closes camera 0 (an actual close) and unloads the library.
     ~PdLibHost();
 
-    PdLibHost(const PdLibHost&) = delete;
+    PdLibHost(const PdLibHost&)            = delete;
     PdLibHost& operator=(const PdLibHost&) = delete;
 
     /// PDLibInitialize. The calibration that `params` points to must outlive this object: the

@@ -24,16 +24,16 @@ constexpr int64_t MaxDefocusBitShift = 63;
 std::vector<double> ParseNumberList(const std::string& option, const std::string& text, size_t count,
                                     const std::string& shape)
 {
-    const std::string wrong = option + ": expected " + shape + ", got '" + text + "'";
+    const std::string   wrong = option + ": expected " + shape + ", got '" + text + "'";
     std::vector<double> numbers;
-    size_t start = 0;
+    size_t              start = 0;
     for (;;)
     {
-        size_t comma = text.find(',', start);
-        const std::string item = text.substr(start, (std::string::npos == comma) ? std::string::npos : comma - start);
-        char* pEnd = nullptr;
-        errno = 0;
-        const double value = std::strtod(item.c_str(), &pEnd);
+        size_t            comma = text.find(',', start);
+        const std::string item  = text.substr(start, (std::string::npos == comma) ? std::string::npos : comma - start);
+        char*             pEnd  = nullptr;
+        errno                   = 0;
+        const double value      = std::strtod(item.c_str(), &pEnd);
         if (item.empty() || (*pEnd != '\0') || (0 != errno) || !std::isfinite(value))
         {
             throw InputError(wrong);
@@ -75,14 +75,14 @@ void ApplyGeometry(const std::string& imageText, const std::string& cropText, co
     if (!imageText.empty())
     {
         std::vector<uint32_t> image = ParseIntegerList("--image", imageText, 2, "W,H with sides 1 to 65535", 1.0);
-        pOptions->imageWidth = image[0];
-        pOptions->imageHeight = image[1];
+        pOptions->imageWidth        = image[0];
+        pOptions->imageHeight       = image[1];
     }
     pOptions->crop = {0, 0, pOptions->imageWidth, pOptions->imageHeight};
     if (!cropText.empty())
     {
-        std::vector<uint32_t> crop = ParseIntegerList("--crop", cropText, 4, "X,Y,W,H inside the image", 0.0);
-        const bool inside = (crop[2] > 0) && (crop[3] > 0) && (crop[0] + crop[2] <= pOptions->imageWidth) &&
+        std::vector<uint32_t> crop   = ParseIntegerList("--crop", cropText, 4, "X,Y,W,H inside the image", 0.0);
+        const bool            inside = (crop[2] > 0) && (crop[3] > 0) && (crop[0] + crop[2] <= pOptions->imageWidth) &&
                             (crop[1] + crop[3] <= pOptions->imageHeight);
         if (!inside)
         {
@@ -93,7 +93,7 @@ void ApplyGeometry(const std::string& imageText, const std::string& cropText, co
     }
     if (!windowText.empty())
     {
-        const std::string shape = "X0,Y0,X1,Y1 as fractions from 0 to 1";
+        const std::string   shape  = "X0,Y0,X1,Y1 as fractions from 0 to 1";
         std::vector<double> window = ParseNumberList("--window", windowText, 4, shape);
         for (double fraction : window)
         {
@@ -102,8 +102,8 @@ void ApplyGeometry(const std::string& imageText, const std::string& cropText, co
                 throw InputError("--window: expected " + shape + ", got '" + windowText + "'");
             }
         }
-        pOptions->window = {static_cast<float>(window[0]), static_cast<float>(window[1]),
-                            static_cast<float>(window[2]), static_cast<float>(window[3])};
+        pOptions->window = {static_cast<float>(window[0]), static_cast<float>(window[1]), static_cast<float>(window[2]),
+                            static_cast<float>(window[3])};
     }
 }
 } // namespace
@@ -115,9 +115,9 @@ std::optional<RunOptions> ParseRunOptions(int argc, char** argv, const std::stri
     std::string imageText;
     std::string cropText;
     std::string windowText;
-    double gain = options.analogGain;
-    int64_t shift = options.defocusBitShift;
-    int64_t threshold = options.confidenceThreshold;
+    double      gain      = options.analogGain;
+    int64_t     shift     = options.defocusBitShift;
+    int64_t     threshold = options.confidenceThreshold;
 
     CLI::App app{"Runs the phase-detection library once, as a camera framework would, on a statistic buffer."};
     app.add_option("--calib", options.calibrationPath, "calibration JSON (knots, slopes, offsets)")->required();

@@ -30,16 +30,16 @@ struct RunOptions
     std::string     calibrationPath;
     std::string     statsPath;
     std::string     libraryPath;
-    int             format = 0;
-    float           analogGain = 1.0f;
-    WindowFractions window = {0.25f, 0.25f, 0.75f, 0.75f};
-    uint32_t        imageWidth = 4000; ///< full (original) image
-    uint32_t        imageHeight = 3000;
-    Rectangle       crop = {0, 0, 4000, 3000}; ///< origin in the full image, size of the current image
-    uint32_t        defocusBitShift = 0;
+    int             format              = 0;
+    float           analogGain          = 1.0f;
+    WindowFractions window              = {0.25f, 0.25f, 0.75f, 0.75f};
+    uint32_t        imageWidth          = 4000; ///< full (original) image
+    uint32_t        imageHeight         = 3000;
+    Rectangle       crop                = {0, 0, 4000, 3000}; ///< origin in the full image, size of the current image
+    uint32_t        defocusBitShift     = 0;
     int32_t         confidenceThreshold = 100;
-    bool            json = false;
-    bool            verbose = false;
+    bool            json                = false;
+    bool            verbose             = false;
 };
 
 /// Parses and checks the command line. Returns nothing when help was asked for and printed.

@@ -8,7 +8,7 @@ namespace pdlibrun
 {
 std::vector<uint8_t> ReadStatsBuffer(const std::string& path, int format)
 {
-    const std::string bytes = ReadInputFile(path, "statistic buffer");
+    const std::string    bytes = ReadInputFile(path, "statistic buffer");
     std::vector<uint8_t> buffer(bytes.begin(), bytes.end());
 
     StatsFormat layout;
@@ -22,7 +22,7 @@ std::vector<uint8_t> ReadStatsBuffer(const std::string& path, int format)
                          " bytes, too short for the window mode in byte 1");
     }
     const uint32_t areaMode = buffer[AreaModeByte] >> 6;
-    WindowMode mode;
+    WindowMode     mode;
     if (LookUpWindowMode(areaMode, &mode))
     {
         const size_t required = RequiredBufferSize(layout, mode);

@@ -31,10 +31,10 @@ std::string FormatPhase(FLOAT phaseDiff)
 void PrintGrid(std::ostream& out, const std::string& title, const PDLibOutputData& output,
                const std::function<std::string(const PDLibDefocusInfo&)>& format)
 {
-    const uint32_t columns = output.horizontalWindowCount;
-    const uint32_t count = WindowCount(output);
+    const uint32_t           columns = output.horizontalWindowCount;
+    const uint32_t           count   = WindowCount(output);
     std::vector<std::string> cells;
-    size_t width = std::to_string(columns).size();
+    size_t                   width = std::to_string(columns).size();
     for (uint32_t i = 0; i < count; i++)
     {
         cells.push_back(format(output.defocus[i]));
@@ -85,9 +85,9 @@ void PrintWindowJson(std::ostream& out, const PDLibOutputData& output, KelResult
 {
     nlohmann::ordered_json report;
     report["horizontalWindowCount"] = output.horizontalWindowCount;
-    report["verticalWindowCount"] = output.verticalWindowCount;
-    report["result"] = result;
-    nlohmann::ordered_json windows = nlohmann::ordered_json::array();
+    report["verticalWindowCount"]   = output.verticalWindowCount;
+    report["result"]                = result;
+    nlohmann::ordered_json windows  = nlohmann::ordered_json::array();
     for (uint32_t i = 0; i < WindowCount(output); i++)
     {
         const PDLibDefocusInfo& window = output.defocus[i];

@@ -28,8 +28,8 @@ PDLibInternalData* g_pPDLibData[MaxCameras] = {};
 namespace
 {
 // One past the last valid id: what a list without camera information means.
-const UINT32 NoCameraId = MaxCameras;
-const UINT32 ActualOpenOrClose = 1;
+const UINT32 NoCameraId            = MaxCameras;
+const UINT32 ActualOpenOrClose     = 1;
 const UINT32 MinQueryVendorTagSize = 16;
 const UINT32 VendorTagBaseInfoSize = 24;
 
@@ -96,7 +96,7 @@ KelResult PDLibProcess(KELPDLib* pPDLib, const PDLibInputs* pInput, PDLibOutputs
         return KelResultEInvalidPointer;
     }
 
-    KelResult result = KelResultEInvalidPointer;
+    KelResult    result  = KelResultEInvalidPointer;
     pdlib_type1* pEngine = EngineOf(pPDLib);
     if (nullptr != pEngine)
     {
@@ -114,7 +114,7 @@ KelResult PDLibProcess(KELPDLib* pPDLib, const PDLibInputs* pInput, PDLibOutputs
 struct InstanceRequest
 {
     const UINT32* pIndicator = nullptr;
-    UINT32        cameraId = NoCameraId;
+    UINT32        cameraId   = NoCameraId;
 
     bool IsActual() const
     {
@@ -183,9 +183,9 @@ void KelPDLibraryEntry(KelPDLibraryCallbacks* pCallBacks)
         PD_LOG_ERROR("pCallBacks is smaller than expected");
         return;
     }
-    pCallBacks->pfnGetCapabilities = PDGetCapabilities;
-    pCallBacks->pfnQueryVendorTag = PDLibQueryVendorTag;
-    pCallBacks->pfnCreate = CreatePDLib;
+    pCallBacks->pfnGetCapabilities  = PDGetCapabilities;
+    pCallBacks->pfnQueryVendorTag   = PDLibQueryVendorTag;
+    pCallBacks->pfnCreate           = CreatePDLib;
     pCallBacks->pfnSetAlgoInterface = PDLibSetNodeInterface;
 }
 
@@ -194,10 +194,10 @@ void PDLibSetNodeInterface(KelAlgorithmInterface* pAlgoInterface)
     g_KelAlgoInterface = *pAlgoInterface;
 
     KelVendorTagBaseInfo baseInfo;
-    baseInfo.size = VendorTagBaseInfoSize;
-    baseInfo.vendorTagBase = 0;
+    baseInfo.size           = VendorTagBaseInfoSize;
+    baseInfo.vendorTagBase  = 0;
     baseInfo.pComponentName = VarkPDLibSectionName;
-    baseInfo.pTagName = nullptr;
+    baseInfo.pTagName       = nullptr;
     // The library stores no tag base: the answer is dropped.
     pAlgoInterface->pGetVendorTagBase(&baseInfo);
 }
@@ -244,7 +244,8 @@ KelResult CreatePDLib(KELPDLib** ppPDLib, const PDLibCreateParamList* pCreatePar
     if (!request.IsActual())
     {
         // The host's way of saying that the camera is not really being opened.
-        PD_LOG_INFO("PDLib:Not actual open ...ignore:pOverridePDLibOpen %p", static_cast<const void*>(request.pIndicator));
+        PD_LOG_INFO("PDLib:Not actual open ...ignore:pOverridePDLibOpen %p",
+                    static_cast<const void*>(request.pIndicator));
         return KelResultSuccess;
     }
 
@@ -265,14 +266,14 @@ KelResult CreatePDLib(KELPDLib** ppPDLib, const PDLibCreateParamList* pCreatePar
         PD_LOG_ERROR("PDLibData allocation failed for camera %d", cameraId);
         return KelResultSuccess;
     }
-    g_pPDLibData[cameraId] = pData;
+    g_pPDLibData[cameraId]         = pData;
     pData->algoOps.PDLibInitialize = PDLibInitialize;
-    pData->algoOps.PDLibDestroy = PDLibDestroy;
-    pData->algoOps.PDLibConfigure = PDLibConfigure;
-    pData->algoOps.PDLibGetParam = PDLibGetParam;
-    pData->algoOps.PDLibProcess = PDLibProcess;
-    pData->pPDCoreLibrary = CreateZeroed<pdlib_type1>();
-    *ppPDLib = &pData->algoOps;
+    pData->algoOps.PDLibDestroy    = PDLibDestroy;
+    pData->algoOps.PDLibConfigure  = PDLibConfigure;
+    pData->algoOps.PDLibGetParam   = PDLibGetParam;
+    pData->algoOps.PDLibProcess    = PDLibProcess;
+    pData->pPDCoreLibrary          = CreateZeroed<pdlib_type1>();
+    *ppPDLib                       = &pData->algoOps;
     PD_LOG_INFO("PDLibData[camId:%d] first time creation:%p, pPDCoreLibrary:%p", cameraId, static_cast<void*>(pData),
                 pData->pPDCoreLibrary);
     return KelResultSuccess;

@@ -60,9 +60,9 @@ static_assert(sizeof(PDLibGetParamOutput) == 16, "PDLibGetParamOutput layout");
 /// Name of the library's vendor tag section.
 extern const CHAR VarkPDLibSectionName[];
 
-extern KelVendorTagData g_VendorTagDataPD[2];
+extern KelVendorTagData        g_VendorTagDataPD[2];
 extern KelVendorTagSectionData g_VendorTagSectionDataVarkPD[1];
-extern KelVendorTagInfo g_VendorTagInfoVarkPD;
+extern KelVendorTagInfo        g_VendorTagInfoVarkPD;
 
 /// The framework's services, as handed over by PDLibSetNodeInterface.
 extern KelAlgorithmInterface g_KelAlgoInterface;
@@ -70,11 +70,12 @@ extern KelAlgorithmInterface g_KelAlgoInterface;
 /// One instance per camera id, null while the camera has none.
 extern PDLibInternalData* g_pPDLibData[MaxCameras];
 
-extern "C" {
-PDLIBVARK_API void KelPDLibraryEntry(KelPDLibraryCallbacks* pCallBacks);
-PDLIBVARK_API KelResult CreatePDLib(KELPDLib** ppPDLib, const PDLibCreateParamList* pCreateParams);
-PDLIBVARK_API KelResult PDLibQueryVendorTag(KELQUERYVENDORTAG* pQueryVendorTag);
-PDLIBVARK_API KelResult PDGetCapabilities(KELALGORITHMCAPSINFO* pCapsInfo);
+extern "C"
+{
+    PDLIBVARK_API void      KelPDLibraryEntry(KelPDLibraryCallbacks* pCallBacks);
+    PDLIBVARK_API KelResult CreatePDLib(KELPDLib** ppPDLib, const PDLibCreateParamList* pCreateParams);
+    PDLIBVARK_API KelResult PDLibQueryVendorTag(KELQUERYVENDORTAG* pQueryVendorTag);
+    PDLIBVARK_API KelResult PDGetCapabilities(KELALGORITHMCAPSINFO* pCapsInfo);
 }
 
 /// Reached by the host only through KelPDLibraryCallbacks::pfnSetAlgoInterface.

@@ -46,13 +46,13 @@ enum PDLibSensorOrientation : INT32
 
 enum PDLibSensorType : INT32
 {
-    PDLibSensorInvalid   = 0,
-    PDLibSensorType1     = 1,
-    PDLibSensorType2     = 2,
-    PDLibSensorType3     = 3,
-    PDLibSensorDualPD    = 4,
-    PDLibSensorQPD       = 5,
-    PDLibSensorTypeMax   = 6,
+    PDLibSensorInvalid = 0,
+    PDLibSensorType1   = 1,
+    PDLibSensorType2   = 2,
+    PDLibSensorType3   = 3,
+    PDLibSensorDualPD  = 4,
+    PDLibSensorQPD     = 5,
+    PDLibSensorTypeMax = 6,
 };
 
 enum PDLibBufferFormat : INT32

@@ -41,8 +41,8 @@ bool Connection::Connect(const std::string& host, uint16_t port, Deadline deadli
 {
     Close();
     addrinfo hints{};
-    hints.ai_family   = AF_INET; // the device's link listens on an internet socket of IPv4
-    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_family           = AF_INET; // the device's link listens on an internet socket of IPv4
+    hints.ai_socktype         = SOCK_STREAM;
     addrinfo*         found   = nullptr;
     const std::string service = std::to_string(port);
     const int         looked  = getaddrinfo(host.c_str(), service.c_str(), &hints, &found);

@@ -69,11 +69,10 @@ LiveQuery ListQuery(ravlen::Command command, const std::string& key, char separa
     LiveQuery query;
     query.request      = ravlen::Header(command, static_cast<uint16_t>(ravlen::PlainHeaderSize));
     query.replyCommand = command;
-    query.render       = [key, separator, numbered](const ravlen::Bytes& reply, bool json, std::string* text)
-    {
+    query.render       = [key, separator, numbered](const ravlen::Bytes& reply, bool json, std::string* text) {
         const std::string body = ReplyText(reply, ravlen::PlainHeaderSize);
-        *text = numbered ? RenderNumberedValues(key, ParseNamedValues(body, separator), json)
-                         : RenderList(key, SplitItems(body, separator), json);
+        *text                  = numbered ? RenderNumberedValues(key, ParseNamedValues(body, separator), json)
+                                                : RenderList(key, SplitItems(body, separator), json);
         return true;
     };
     return query;
@@ -87,8 +86,7 @@ LiveQuery TextQuery(ravlen::Command command, const std::string& payload,
     query.request      = ravlen::Request(command, RequestId, payload);
     query.replyCommand = command;
     query.echoesId     = true;
-    query.render       = [render](const ravlen::Bytes& reply, bool json, std::string* text)
-    {
+    query.render       = [render](const ravlen::Bytes& reply, bool json, std::string* text) {
         *text = render(ReplyText(reply, ravlen::IdHeaderSize), json);
         return true;
     };
@@ -145,8 +143,8 @@ int RunLive(const LiveOptions& options, const LiveQuery& query)
         std::string text;
         if (!query.render(reply, options.json, &text))
         {
-            std::fprintf(stderr, "tonemetry live: %s sent a reply of %zu bytes that cannot be read\n",
-                         where.c_str(), reply.size());
+            std::fprintf(stderr, "tonemetry live: %s sent a reply of %zu bytes that cannot be read\n", where.c_str(),
+                         reply.size());
             return ExitFailed;
         }
         std::fputs(text.c_str(), stdout);
@@ -179,8 +177,7 @@ void ReportUnconfirmed(const std::vector<std::string>& items, const std::vector<
 }
 
 const CLI::Validator ModesValidator(
-    [](std::string& text)
-    {
+    [](std::string& text) {
         std::string error;
         return ParseModePath(text, &error).has_value() ? std::string() : error;
     },
@@ -188,14 +185,14 @@ const CLI::Validator ModesValidator(
 
 /// ':' separates the parts of a request, so a value path cannot hold one.
 const CLI::Validator PathValidator(
-    [](std::string& text)
-    { return (std::string::npos == text.find(':')) ? std::string() : "a value path holds no ':'"; },
+    [](std::string& text) {
+        return (std::string::npos == text.find(':')) ? std::string() : "a value path holds no ':'";
+    },
     "PATH", "value path");
 
 /// ';' separates the items and '=' the name from the value.
 const CLI::Validator ItemValidator(
-    [](std::string& text)
-    {
+    [](std::string& text) {
         const size_t equals = text.find('=');
         if ((std::string::npos == equals) || (0 == equals) || (equals + 1 == text.size()))
         {
@@ -221,9 +218,9 @@ void AddModesAndPath(CLI::App* command, ValueArguments* arguments, bool pathRequ
 
 void AddLiveCommand(CLI::App& app, int* status)
 {
-    auto options   = std::make_shared<LiveOptions>();
-    auto arguments = std::make_shared<ValueArguments>();
-    CLI::App* live = app.add_subcommand("live", "ask a device's live tuning link: read and set values");
+    auto      options   = std::make_shared<LiveOptions>();
+    auto      arguments = std::make_shared<ValueArguments>();
+    CLI::App* live      = app.add_subcommand("live", "ask a device's live tuning link: read and set values");
     live->add_option("--host", options->host, "the device's address")->capture_default_str();
     live->add_option("--port", options->port, "the link's port")->capture_default_str()->check(CLI::Range(1, 65535));
     live->add_option("--timeout", options->timeout, "seconds to wait for the reply")
@@ -232,84 +229,75 @@ void AddLiveCommand(CLI::App& app, int* status)
     live->add_flag("--json", options->json, "print the reply as JSON");
     live->require_subcommand(1);
 
-    const auto run = [options, status](std::function<LiveQuery()> makeQuery)
-    { return [options, status, makeQuery] { *status = RunLive(*options, makeQuery()); }; };
+    const auto run = [options, status](std::function<LiveQuery()> makeQuery) {
+        return [options, status, makeQuery] { *status = RunLive(*options, makeQuery()); };
+    };
 
-    live->add_subcommand("info", "the device's name and protocol version")
-        ->callback(run(
-            []
-            {
-                LiveQuery query;
-                query.request      = ravlen::Header(ravlen::CommandDeviceInfo, ravlen::PlainHeaderSize);
-                query.replyCommand = ravlen::CommandDeviceInfo;
-                query.render       = [](const ravlen::Bytes& reply, bool json, std::string* text)
-                {
-                    const std::optional<DeviceInfo> info = DecodeDeviceInfo(reply);
-                    *text = info.has_value() ? RenderDeviceInfo(*info, json) : std::string();
-                    return info.has_value();
-                };
-                return query;
-            }));
-    live->add_subcommand("active", "the active modes")
-        ->callback(run([] { return ListQuery(ravlen::CommandActiveModes, "active", ';', false); }));
-    live->add_subcommand("controls", "the control values")
-        ->callback(run([] { return ListQuery(ravlen::CommandControlValues, "controls", ',', true); }));
-    live->add_subcommand("triggers", "the trigger values")
-        ->callback(run([] { return ListQuery(ravlen::CommandTriggerValues, "triggers", ',', true); }));
+    live->add_subcommand("info", "the device's name and protocol version")->callback(run([] {
+        LiveQuery query;
+        query.request      = ravlen::Header(ravlen::CommandDeviceInfo, ravlen::PlainHeaderSize);
+        query.replyCommand = ravlen::CommandDeviceInfo;
+        query.render       = [](const ravlen::Bytes& reply, bool json, std::string* text) {
+            const std::optional<DeviceInfo> info = DecodeDeviceInfo(reply);
+            *text                                = info.has_value() ? RenderDeviceInfo(*info, json) : std::string();
+            return info.has_value();
+        };
+        return query;
+    }));
+    live->add_subcommand("active", "the active modes")->callback(run([] {
+        return ListQuery(ravlen::CommandActiveModes, "active", ';', false);
+    }));
+    live->add_subcommand("controls", "the control values")->callback(run([] {
+        return ListQuery(ravlen::CommandControlValues, "controls", ',', true);
+    }));
+    live->add_subcommand("triggers", "the trigger values")->callback(run([] {
+        return ListQuery(ravlen::CommandTriggerValues, "triggers", ',', true);
+    }));
 
     CLI::App* modes = live->add_subcommand("modes", "the child modes of a mode");
     modes->add_option("MODES", arguments->modes, "mode path, such as Default|Usecase.Video")
         ->required()
         ->check(ModesValidator);
-    modes->callback(run(
-        [arguments]
-        {
-            return TextQuery(ravlen::CommandModes, WireModes(arguments->modes), [](const std::string& body, bool json)
-                             { return RenderList("modes", SplitItems(body, ','), json); });
-        }));
+    modes->callback(run([arguments] {
+        return TextQuery(ravlen::CommandModes, WireModes(arguments->modes), [](const std::string& body, bool json) {
+            return RenderList("modes", SplitItems(body, ','), json);
+        });
+    }));
 
-    CLI::App* describe =
-        live->add_subcommand("describe", "the rows of a module or a member; the modules without PATH");
+    CLI::App* describe = live->add_subcommand("describe", "the rows of a module or a member; the modules without PATH");
     AddModesAndPath(describe, arguments.get(), false);
-    describe->callback(run(
-        [arguments]
-        {
-            return TextQuery(ravlen::CommandInfo, WireModes(arguments->modes) + ":" + arguments->path,
-                             [](const std::string& body, bool json) { return RenderInfoRows(ParseInfoRows(body), json); });
-        }));
+    describe->callback(run([arguments] {
+        return TextQuery(ravlen::CommandInfo, WireModes(arguments->modes) + ":" + arguments->path,
+                         [](const std::string& body, bool json) { return RenderInfoRows(ParseInfoRows(body), json); });
+    }));
 
     CLI::App* get = live->add_subcommand("get", "values by path, all of a record or the NAMES given");
     AddModesAndPath(get, arguments.get(), true);
     get->add_option("NAMES", arguments->items, "member names below PATH");
-    get->callback(run(
-        [arguments]
+    get->callback(run([arguments] {
+        std::string payload = WireModes(arguments->modes) + ":" + arguments->path;
+        if (!arguments->items.empty())
         {
-            std::string payload = WireModes(arguments->modes) + ":" + arguments->path;
-            if (!arguments->items.empty())
-            {
-                payload += ":" + Joined(arguments->items, ",");
-            }
-            return TextQuery(ravlen::CommandGetValues, payload, [](const std::string& body, bool json)
-                             { return RenderValues(ParseNamedValues(body, ';'), json); });
-        }));
+            payload += ":" + Joined(arguments->items, ",");
+        }
+        return TextQuery(ravlen::CommandGetValues, payload, [](const std::string& body, bool json) {
+            return RenderValues(ParseNamedValues(body, ';'), json);
+        });
+    }));
 
     CLI::App* set = live->add_subcommand("set", "set values and print them as the device reads them back");
     AddModesAndPath(set, arguments.get(), true);
     set->add_option("NAME=VALUE", arguments->items, "members below PATH and their new values")
         ->required()
         ->check(ItemValidator);
-    set->callback(run(
-        [arguments]
-        {
-            const std::string payload =
-                WireModes(arguments->modes) + ":" + arguments->path + ":" + Joined(arguments->items, ";");
-            return TextQuery(ravlen::CommandSetValues, payload,
-                             [arguments](const std::string& body, bool json)
-                             {
-                                 const std::vector<NamedValue> confirmed = ParseNamedValues(body, ';');
-                                 ReportUnconfirmed(arguments->items, confirmed);
-                                 return RenderValues(confirmed, json);
-                             });
-        }));
+    set->callback(run([arguments] {
+        const std::string payload =
+            WireModes(arguments->modes) + ":" + arguments->path + ":" + Joined(arguments->items, ";");
+        return TextQuery(ravlen::CommandSetValues, payload, [arguments](const std::string& body, bool json) {
+            const std::vector<NamedValue> confirmed = ParseNamedValues(body, ';');
+            ReportUnconfirmed(arguments->items, confirmed);
+            return RenderValues(confirmed, json);
+        });
+    }));
 }
 } // namespace tonemetry

@@ -82,7 +82,7 @@ std::vector<InfoRow> ParseInfoRows(const std::string& text)
     for (const std::string& item : SplitItems(text, ';'))
     {
         InfoRow     row;
-        std::string head = item;
+        std::string head  = item;
         size_t      comma = head.rfind(',');
         // An array row ends in its count behind the type.
         if ((std::string::npos != comma) && (comma > 0) && IsDecimal(head.substr(comma + 1)) &&

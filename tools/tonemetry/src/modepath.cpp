@@ -13,7 +13,7 @@ constexpr unsigned MaxNamedSubModes = 64;
 
 std::optional<uint16_t> ParseNumber(std::string_view text)
 {
-    uint16_t number = 0;
+    uint16_t number     = 0;
     auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || (failure != std::errc()) || (end != text.data() + text.size()))
     {
@@ -62,8 +62,8 @@ std::string ElementText(const ModeElement& element)
 
 std::optional<ModeElement> ParseModeName(std::string_view text, std::string* error)
 {
-    const size_t           dot  = text.find('.');
-    const std::string_view word = text.substr(0, dot);
+    const size_t            dot  = text.find('.');
+    const std::string_view  word = text.substr(0, dot);
     std::optional<uint16_t> mode = ParseModeWord(word);
     if (!mode)
     {
@@ -80,12 +80,12 @@ std::optional<ModeElement> ParseModeName(std::string_view text, std::string* err
         }
         return ModeElement{};
     }
-    const std::string_view subWord = text.substr(dot + 1);
+    const std::string_view  subWord = text.substr(dot + 1);
     std::optional<uint16_t> subMode = ParseSubModeWord(*mode, subWord);
     if (!subMode)
     {
-        *error = "unknown sub-mode '" + std::string(subWord) + "' of " + ModeWord(*mode) + " in '" +
-                 std::string(text) + "'";
+        *error =
+            "unknown sub-mode '" + std::string(subWord) + "' of " + ModeWord(*mode) + " in '" + std::string(text) + "'";
         return std::nullopt;
     }
     if ((*mode == 0) && (*subMode != 0))
@@ -102,8 +102,8 @@ std::optional<ModePath> ParseModePath(std::string_view text, std::string* error)
     size_t   start = 0;
     for (size_t index = 0;; ++index)
     {
-        const size_t           bar  = text.find('|', start);
-        const std::string_view name = text.substr(start, (bar == std::string_view::npos) ? bar : bar - start);
+        const size_t               bar     = text.find('|', start);
+        const std::string_view     name    = text.substr(start, (bar == std::string_view::npos) ? bar : bar - start);
         std::optional<ModeElement> element = ParseModeName(name, error);
         if (!element)
         {

@@ -67,9 +67,9 @@ void ModeTreeSource::ReadMode(const Json& value, const std::string& path, bool i
     {
         modePath = m_paths[*parent];
         modePath.push_back(*element);
-        mode.mode     = element->mode;
-        mode.subMode  = element->subMode;
-        mode.parentId = *parent;
+        mode.mode                       = element->mode;
+        mode.subMode                    = element->subMode;
+        mode.parentId                   = *parent;
         std::optional<uint32_t> earlier = Find(modePath);
         if (earlier)
         {

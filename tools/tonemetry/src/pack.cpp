@@ -91,15 +91,15 @@ int RunPack(const PackOptions& options)
         std::fprintf(stderr, "tonemetry pack: %s: cannot be written\n", options.output.c_str());
         return ExitFailed;
     }
-    std::printf("%s: %zu bytes, %zu modules, version %s\n", options.output.c_str(), image.size(),
-                model.modules.size(), model.version.ToString().c_str());
+    std::printf("%s: %zu bytes, %zu modules, version %s\n", options.output.c_str(), image.size(), model.modules.size(),
+                model.version.ToString().c_str());
     return ExitSuccess;
 }
 } // namespace
 
 void AddPackCommand(CLI::App& app, int* status)
 {
-    auto       options = std::make_shared<PackOptions>();
+    auto      options = std::make_shared<PackOptions>();
     CLI::App* command =
         app.add_subcommand("pack", "Write a binary tuning file from a JSON source of modes and modules.");
     command->add_option("source", options->source, "the JSON source (format: tools/tonemetry/README.md)")->required();

@@ -131,7 +131,7 @@ private:
         }
         const modulegen::Version& version = schema->module->version;
         module.version                    = tuningfile::Version{version.major, version.minor, version.patch};
-        const Json values = value.contains("values") ? value["values"] : Json::object();
+        const Json values                 = value.contains("values") ? value["values"] : Json::object();
         tuningencoder::EncodeModule(*schema, values, path + "/values", &module.data, m_errors);
     }
 

@@ -28,9 +28,7 @@ class CellWriter
 {
 public:
     CellWriter(std::vector<uint8_t>* image, size_t position, uint32_t alignment)
-        : m_image(image)
-        , m_position(position)
-        , m_alignment(alignment)
+        : m_image(image), m_position(position), m_alignment(alignment)
     {
     }
 

@@ -12,26 +12,23 @@ uint64_t LoadHostValue(const uint8_t* pValue, size_t width)
 {
     switch (width)
     {
-    case 1:
-        return *pValue;
-    case 2:
-    {
-        uint16_t value;
-        std::memcpy(&value, pValue, sizeof(value));
-        return value;
-    }
-    case 4:
-    {
-        uint32_t value;
-        std::memcpy(&value, pValue, sizeof(value));
-        return value;
-    }
-    default:
-    {
-        uint64_t value;
-        std::memcpy(&value, pValue, sizeof(value));
-        return value;
-    }
+        case 1:
+            return *pValue;
+        case 2: {
+            uint16_t value;
+            std::memcpy(&value, pValue, sizeof(value));
+            return value;
+        }
+        case 4: {
+            uint32_t value;
+            std::memcpy(&value, pValue, sizeof(value));
+            return value;
+        }
+        default: {
+            uint64_t value;
+            std::memcpy(&value, pValue, sizeof(value));
+            return value;
+        }
     }
 }
 
@@ -45,17 +42,50 @@ Bits BitsOf(Float value)
 }
 } // namespace
 
-DataBuilder& DataBuilder::U8(uint8_t value) noexcept { return AppendScalar(1, value); }
-DataBuilder& DataBuilder::U16(uint16_t value) noexcept { return AppendScalar(2, value); }
-DataBuilder& DataBuilder::U32(uint32_t value) noexcept { return AppendScalar(4, value); }
-DataBuilder& DataBuilder::U64(uint64_t value) noexcept { return AppendScalar(8, value); }
-DataBuilder& DataBuilder::I8(int8_t value) noexcept { return AppendScalar(1, static_cast<uint8_t>(value)); }
-DataBuilder& DataBuilder::I16(int16_t value) noexcept { return AppendScalar(2, static_cast<uint16_t>(value)); }
-DataBuilder& DataBuilder::I32(int32_t value) noexcept { return AppendScalar(4, static_cast<uint32_t>(value)); }
-DataBuilder& DataBuilder::I64(int64_t value) noexcept { return AppendScalar(8, static_cast<uint64_t>(value)); }
-DataBuilder& DataBuilder::F32(float value) noexcept { return AppendScalar(4, BitsOf<uint32_t>(value)); }
-DataBuilder& DataBuilder::F64(double value) noexcept { return AppendScalar(8, BitsOf<uint64_t>(value)); }
-DataBuilder& DataBuilder::Enum(uint32_t value) noexcept { return AppendScalar(4, value); }
+DataBuilder& DataBuilder::U8(uint8_t value) noexcept
+{
+    return AppendScalar(1, value);
+}
+DataBuilder& DataBuilder::U16(uint16_t value) noexcept
+{
+    return AppendScalar(2, value);
+}
+DataBuilder& DataBuilder::U32(uint32_t value) noexcept
+{
+    return AppendScalar(4, value);
+}
+DataBuilder& DataBuilder::U64(uint64_t value) noexcept
+{
+    return AppendScalar(8, value);
+}
+DataBuilder& DataBuilder::I8(int8_t value) noexcept
+{
+    return AppendScalar(1, static_cast<uint8_t>(value));
+}
+DataBuilder& DataBuilder::I16(int16_t value) noexcept
+{
+    return AppendScalar(2, static_cast<uint16_t>(value));
+}
+DataBuilder& DataBuilder::I32(int32_t value) noexcept
+{
+    return AppendScalar(4, static_cast<uint32_t>(value));
+}
+DataBuilder& DataBuilder::I64(int64_t value) noexcept
+{
+    return AppendScalar(8, static_cast<uint64_t>(value));
+}
+DataBuilder& DataBuilder::F32(float value) noexcept
+{
+    return AppendScalar(4, BitsOf<uint32_t>(value));
+}
+DataBuilder& DataBuilder::F64(double value) noexcept
+{
+    return AppendScalar(8, BitsOf<uint64_t>(value));
+}
+DataBuilder& DataBuilder::Enum(uint32_t value) noexcept
+{
+    return AppendScalar(4, value);
+}
 
 DataBuilder& DataBuilder::Record(const DataBuilder& members) noexcept
 {
@@ -114,7 +144,7 @@ DataBuilder& DataBuilder::AppendScalar(uint8_t width, uint64_t value) noexcept
     try
     {
         Item item;
-        item.kind = Item::Kind::Scalar;
+        item.kind  = Item::Kind::Scalar;
         item.width = width;
         item.value = value;
         m_items.push_back(std::move(item));
@@ -156,10 +186,10 @@ DataBuilder& DataBuilder::AppendPointer(PointerKind kind, uint64_t head, const D
     try
     {
         Item item;
-        item.kind = Item::Kind::Pointer;
-        item.value = head;
+        item.kind    = Item::Kind::Pointer;
+        item.value   = head;
         item.pointer = kind;
-        item.target = std::make_shared<const DataBuilder>(target);
+        item.target  = std::make_shared<const DataBuilder>(target);
         m_items.push_back(std::move(item));
     }
     catch (const std::exception&)

@@ -17,12 +17,12 @@ const char* KindName(DataBuilder::PointerKind kind)
 {
     switch (kind)
     {
-    case DataBuilder::PointerKind::String:
-        return "String";
-    case DataBuilder::PointerKind::Repeated:
-        return "Repeated";
-    default:
-        return "Optional";
+        case DataBuilder::PointerKind::String:
+            return "String";
+        case DataBuilder::PointerKind::Repeated:
+            return "Repeated";
+        default:
+            return "Optional";
     }
 }
 
@@ -38,7 +38,7 @@ std::string PointerProblem(const DataBuilder::Item& item)
     if (item.pointer == DataBuilder::PointerKind::String)
     {
         const std::vector<uint8_t>& characters = item.target->Items().front().bytes;
-        const auto                  zero = std::find(characters.begin(), characters.end(), 0);
+        const auto                  zero       = std::find(characters.begin(), characters.end(), 0);
         if (static_cast<uint64_t>(zero - characters.begin()) < item.value)
         {
             return "the text holds a zero byte at " + std::to_string(zero - characters.begin()) +
@@ -84,10 +84,10 @@ bool EntryTable::Collect(const TuningFileModel& model, std::string* error)
     {
         const Module& module = model.modules[index];
         Entry         entry;
-        entry.data = &module.data;
+        entry.data   = &module.data;
         entry.module = &module;
-        entry.type = ShortTypeName(module.name);
-        entry.where = "modules[" + std::to_string(index) + "] ('" + module.name + "')";
+        entry.type   = ShortTypeName(module.name);
+        entry.where  = "modules[" + std::to_string(index) + "] ('" + module.name + "')";
         m_entries.push_back(std::move(entry));
     }
     m_moduleCount = m_entries.size();
@@ -109,8 +109,8 @@ bool EntryTable::Collect(const TuningFileModel& model, std::string* error)
             }
             Entry target;
             target.data = items[item].target.get();
-            target.where = m_entries[index].where + ", item " + std::to_string(item) + " (" +
-                           KindName(items[item].pointer) + ")";
+            target.where =
+                m_entries[index].where + ", item " + std::to_string(item) + " (" + KindName(items[item].pointer) + ")";
             const std::string problem = PointerProblem(items[item]);
             if (!problem.empty())
             {
@@ -129,7 +129,7 @@ void EntryTable::AssignIds()
     const size_t firstBlockId = m_format.HasDataTable() ? 1 : m_moduleCount + 1;
     for (size_t index = 0; index < m_entries.size(); ++index)
     {
-        const size_t id = (index < m_moduleCount) ? index + 1 : firstBlockId + (index - m_moduleCount);
+        const size_t id     = (index < m_moduleCount) ? index + 1 : firstBlockId + (index - m_moduleCount);
         m_entries[index].id = static_cast<uint32_t>(id);
     }
 }
@@ -203,7 +203,7 @@ bool EntryTable::PlaceData(std::string* error)
             found = placed.emplace(std::move(bytes), offset).first;
         }
         entry.dataOffset = found->second;
-        entry.dataSize = static_cast<uint32_t>(found->first.size());
+        entry.dataSize   = static_cast<uint32_t>(found->first.size());
     }
     return true;
 }
@@ -217,16 +217,16 @@ std::vector<uint8_t> EntryTable::Encode(const Entry& entry, const std::vector<ui
     {
         switch (item.kind)
         {
-        case DataBuilder::Item::Kind::Scalar:
-            writer.Value(item.value, item.width);
-            break;
-        case DataBuilder::Item::Kind::Array:
-            writer.Block(item.bytes.data(), item.bytes.size(), item.bytes.size());
-            break;
-        case DataBuilder::Item::Kind::Pointer:
-            writer.Value(item.value, 4);
-            writer.Value(pointerValues[pointer++], 4);
-            break;
+            case DataBuilder::Item::Kind::Scalar:
+                writer.Value(item.value, item.width);
+                break;
+            case DataBuilder::Item::Kind::Array:
+                writer.Block(item.bytes.data(), item.bytes.size(), item.bytes.size());
+                break;
+            case DataBuilder::Item::Kind::Pointer:
+                writer.Value(item.value, 4);
+                writer.Value(pointerValues[pointer++], 4);
+                break;
         }
     }
     return bytes;

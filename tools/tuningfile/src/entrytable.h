@@ -14,15 +14,15 @@ namespace tuningfile
 {
 struct Entry
 {
-    const DataBuilder*  data = nullptr;
+    const DataBuilder*  data   = nullptr;
     const Module*       module = nullptr; ///< null for a block that a pointer entry refers to
     std::string         type;             ///< a module's short type form; empty for a block
     std::string         where;            ///< names the entry in error texts
     std::vector<size_t> targets;          ///< entries that its pointer items refer to, in item order
-    uint32_t            id = 0;           ///< number in its table, from 1
+    uint32_t            id          = 0;  ///< number in its table, from 1
     uint32_t            duplicateId = 0;  ///< id of the first entry with the same content
-    uint32_t            dataOffset = 0;   ///< from the start of the data section
-    uint32_t            dataSize = 0;
+    uint32_t            dataOffset  = 0;  ///< from the start of the data section
+    uint32_t            dataSize    = 0;
 };
 
 /// Every pointer item gets an entry of its own, because the reader shares a decoded block only
@@ -33,10 +33,7 @@ struct Entry
 class EntryTable
 {
 public:
-    explicit EntryTable(const FileFormat& format)
-        : m_format(format)
-    {
-    }
+    explicit EntryTable(const FileFormat& format) : m_format(format) {}
 
     /// False, with a text naming the entry, when an entry cannot be expressed.
     bool Build(const TuningFileModel& model, std::string* error);

@@ -2,11 +2,7 @@
 
 namespace tuningfile
 {
-FileFormat::FileFormat(const Version& version)
-    : m_version(version)
-    , m_alignment(AlignmentOf(version))
-{
-}
+FileFormat::FileFormat(const Version& version) : m_version(version), m_alignment(AlignmentOf(version)) {}
 
 uint8_t FileFormat::AlignmentOf(const Version& version)
 {

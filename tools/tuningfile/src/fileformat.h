@@ -26,11 +26,11 @@ constexpr Version Newest{5, 0, 0};
 /// Sizes in bytes of the fixed-width fields.
 namespace field
 {
-constexpr uint32_t Tag = 28;
-constexpr uint32_t Tool = 48;
+constexpr uint32_t Tag       = 28;
+constexpr uint32_t Tool      = 48;
 constexpr uint32_t BinaryTag = 64;
-constexpr uint32_t TypeName = 32;
-constexpr uint32_t ModeText = 32;
+constexpr uint32_t TypeName  = 32;
+constexpr uint32_t ModeText  = 32;
 } // namespace field
 
 /// The tag every file starts with.
@@ -42,9 +42,9 @@ constexpr uint32_t FileModeHeadBytes = 316;
 /// The section types of the section table.
 enum class SectionType : uint32_t
 {
-    Symbols = 0,
-    Data = 1,
-    Modes = 2,
+    Symbols   = 0,
+    Data      = 1,
+    Modes     = 2,
     DataTable = 3,
 };
 

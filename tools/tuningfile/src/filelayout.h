@@ -12,9 +12,9 @@ namespace tuningfile
 {
 struct Placement
 {
-    SectionType type = SectionType::Symbols;
+    SectionType type   = SectionType::Symbols;
     uint64_t    offset = 0;
-    uint64_t    size = 0;
+    uint64_t    size   = 0;
 };
 
 /// Header, section table, then the sections back to back in the order of `sections`, then the

@@ -31,9 +31,8 @@ bool CheckAlignment(const TuningFileModel& model, std::string* error)
     if (model.alignment != implied)
     {
         *error = "alignment " + std::to_string(model.alignment) + " does not match version " +
-                 model.version.ToString() + ", whose files have alignment " + std::to_string(implied) +
-                 "; alignment " + std::to_string(model.alignment) + " belongs to " +
-                 AlignmentVersions(model.alignment);
+                 model.version.ToString() + ", whose files have alignment " + std::to_string(implied) + "; alignment " +
+                 std::to_string(model.alignment) + " belongs to " + AlignmentVersions(model.alignment);
         return false;
     }
     return true;
@@ -54,8 +53,8 @@ bool CheckHeaderText(const char* what, const std::string& text, size_t fieldSize
     }
     if (text.size() > fieldSize)
     {
-        *error = std::string(what) + " is " + std::to_string(text.size()) + " characters long; its header field holds " +
-                 std::to_string(fieldSize);
+        *error = std::string(what) + " is " + std::to_string(text.size()) +
+                 " characters long; its header field holds " + std::to_string(fieldSize);
         return false;
     }
     if (text.find('\0') != std::string::npos)
@@ -153,12 +152,12 @@ bool CheckModes(const std::vector<Mode>& modes, const FileFormat& format, std::s
 bool CheckModules(const TuningFileModel& model, std::string* error)
 {
     // Without a mode section the reader makes a tree of the root alone.
-    const size_t                                           modeCount = model.modes.empty() ? 1 : model.modes.size();
+    const size_t                                       modeCount = model.modes.empty() ? 1 : model.modes.size();
     std::map<std::pair<uint32_t, std::string>, size_t> moduleOfType;
     for (size_t index = 0; index < model.modules.size(); ++index)
     {
         const Module&     module = model.modules[index];
-        const std::string name = "modules[" + std::to_string(index) + "] ('" + module.name + "')";
+        const std::string name   = "modules[" + std::to_string(index) + "] ('" + module.name + "')";
         if (module.name.empty())
         {
             *error = "modules[" + std::to_string(index) + "] has no name";
@@ -176,7 +175,7 @@ bool CheckModules(const TuningFileModel& model, std::string* error)
             return false;
         }
         // A mode keeps the first module of a name, and the name comes from the type.
-        const std::string type = ShortTypeName(module.name);
+        const std::string type  = ShortTypeName(module.name);
         const auto        first = moduleOfType.emplace(std::make_pair(module.modeId, type), index);
         if (!first.second)
         {

@@ -30,10 +30,28 @@ int Compare(const Version& left, const Version& right)
     return 0;
 }
 
-bool operator==(const Version& left, const Version& right) { return Compare(left, right) == 0; }
-bool operator!=(const Version& left, const Version& right) { return Compare(left, right) != 0; }
-bool operator<(const Version& left, const Version& right) { return Compare(left, right) < 0; }
-bool operator<=(const Version& left, const Version& right) { return Compare(left, right) <= 0; }
-bool operator>(const Version& left, const Version& right) { return Compare(left, right) > 0; }
-bool operator>=(const Version& left, const Version& right) { return Compare(left, right) >= 0; }
+bool operator==(const Version& left, const Version& right)
+{
+    return Compare(left, right) == 0;
+}
+bool operator!=(const Version& left, const Version& right)
+{
+    return Compare(left, right) != 0;
+}
+bool operator<(const Version& left, const Version& right)
+{
+    return Compare(left, right) < 0;
+}
+bool operator<=(const Version& left, const Version& right)
+{
+    return Compare(left, right) <= 0;
+}
+bool operator>(const Version& left, const Version& right)
+{
+    return Compare(left, right) > 0;
+}
+bool operator>=(const Version& left, const Version& right)
+{
+    return Compare(left, right) >= 0;
+}
 } // namespace tuningfile

@@ -79,7 +79,7 @@ void EmitSymbols(std::vector<uint8_t>* image, const FileFormat& format, const En
     CellWriter records(image, section.offset, format.Alignment());
     for (size_t index = 0; index < entries.SymbolCount(); ++index)
     {
-        const Entry&  entry = entries.Entries()[index];
+        const Entry&  entry  = entries.Entries()[index];
         const Module* module = entry.module;
         records.Value(entry.id, 4);
         records.Text(entry.type, field::TypeName);
@@ -126,7 +126,7 @@ bool WriteChecked(const TuningFileModel& model, std::vector<uint8_t>* out, std::
     }
     // Below 1.0.2 a lone root needs no section: the reader's default tree is the same.
     const size_t     modeCount = format.HasModeTree() ? model.modes.size() : 0;
-    const FileLayout layout = PlanLayout(format, modeCount, entries);
+    const FileLayout layout    = PlanLayout(format, modeCount, entries);
     if (layout.length > std::numeric_limits<uint32_t>::max())
     {
         *error = "the file would be " + std::to_string(layout.length) +
@@ -162,9 +162,9 @@ bool StoreImage(const std::string& path, const std::vector<uint8_t>& image, std:
         *error = "cannot open '" + path + "' for writing: " + std::strerror(errno);
         return false;
     }
-    const bool complete = std::fwrite(image.data(), 1, image.size(), file) == image.size();
+    const bool complete   = std::fwrite(image.data(), 1, image.size(), file) == image.size();
     const int  writeErrno = errno;
-    const bool closed = std::fclose(file) == 0;
+    const bool closed     = std::fclose(file) == 0;
     if (!complete || !closed)
     {
         *error = "cannot write '" + path + "': " + std::strerror(complete ? errno : writeErrno);

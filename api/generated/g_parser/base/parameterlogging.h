@@ -38,17 +38,17 @@ class PDLIBVARK_API IParameterLoggingAPI
 {
 public:
     /// The text that names the logging object in each line, or null.
-    virtual char const* GetLoggingIdentifier() = 0;
-    virtual bool LoggingEnabled(ParameterLogging::ParameterLogLevel level) = 0;
-    virtual ~IParameterLoggingAPI() = default;
+    virtual char const* GetLoggingIdentifier()                                    = 0;
+    virtual bool        LoggingEnabled(ParameterLogging::ParameterLogLevel level) = 0;
+    virtual ~IParameterLoggingAPI()                                               = default;
 };
 
 // One line of the store's log from the calling site; the message ends in "\n" by convention.
-#define PARAMETER_LOG_DEBUG(logger, ...) \
+#define PARAMETER_LOG_DEBUG(logger, ...)                                                                               \
     ParameterLogging::Write((logger), ParameterLogging::LogLevelDebug, __FILE__, __LINE__, __VA_ARGS__)
-#define PARAMETER_LOG_WARNING(logger, ...) \
+#define PARAMETER_LOG_WARNING(logger, ...)                                                                             \
     ParameterLogging::Write((logger), ParameterLogging::LogLevelWarning, __FILE__, __LINE__, __VA_ARGS__)
-#define PARAMETER_LOG_ERROR(logger, ...) \
+#define PARAMETER_LOG_ERROR(logger, ...)                                                                               \
     ParameterLogging::Write((logger), ParameterLogging::LogLevelError, __FILE__, __LINE__, __VA_ARGS__)
 
 #endif // PARAMETERLOGGING_H

@@ -18,7 +18,7 @@
 class PDLIBVARK_API ParameterMutex
 {
 public:
-    ParameterMutex() = default;
+    ParameterMutex()                                 = default;
     ParameterMutex(ParameterMutex const&)            = delete;
     ParameterMutex& operator=(ParameterMutex const&) = delete;
 
@@ -39,7 +39,7 @@ public:
 private:
     bool WriteAllowed(std::thread::id self) const;
 
-    std::mutex                          m_mutex; ///< held only for the bookkeeping below
+    std::mutex                          m_mutex;          ///< held only for the bookkeeping below
     uint32_t                            m_writeCount = 0; ///< depth of the write side; 0: no writer
     std::thread::id                     m_writeOwner;     ///< cleared when m_writeCount reaches 0
     std::map<std::thread::id, uint32_t> m_readers;        ///< reading threads and their depths

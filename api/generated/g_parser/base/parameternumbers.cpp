@@ -68,8 +68,8 @@ double ParameterUtils::StringToDouble(char const* text, bool& success)
     int32_t point      = GetStringPos(text, '.');
     size_t  digitStart = (minus >= 0) ? static_cast<size_t>(minus) + 1u : 0u;
     size_t  pointOrEnd = (point >= 0) ? static_cast<size_t>(point) : strlen(text);
-    double  scale =
-        std::pow(10.0, static_cast<double>(static_cast<long long>(pointOrEnd) - 1 - static_cast<long long>(digitStart)));
+    double  scale      = std::pow(
+              10.0, static_cast<double>(static_cast<long long>(pointOrEnd) - 1 - static_cast<long long>(digitStart)));
 
     success = true;
     if ('\0' == text[digitStart])

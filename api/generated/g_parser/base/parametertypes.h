@@ -15,8 +15,7 @@
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the store's unions assume a little-endian host");
 
 /// A 64-bit file-format or module version, readable whole or as major.minor.patch.
-union PDLIBVARK_API VersionUnion
-{
+union PDLIBVARK_API VersionUnion {
     struct
     {
         uint16_t major;
@@ -42,8 +41,7 @@ union PDLIBVARK_API VersionUnion
 static_assert(sizeof(VersionUnion) == 8, "VersionUnion is stored as 8 bytes");
 
 /// A node name of the mode tree: mode number and sub-mode number, 32 spare bits carried along.
-union PDLIBVARK_API ModeUnion
-{
+union PDLIBVARK_API ModeUnion {
     struct
     {
         uint16_t mode;

@@ -73,9 +73,8 @@ char* ParameterUtils::ReadString(unsigned char const* buffer, unsigned int lengt
     return text;
 }
 
-bool ParameterUtils::ReadBuffer(unsigned char* out, unsigned char const* buffer, unsigned int length,
-                                unsigned int* pos, unsigned int size, unsigned char alignment,
-                                IParameterLoggingAPI* logger)
+bool ParameterUtils::ReadBuffer(unsigned char* out, unsigned char const* buffer, unsigned int length, unsigned int* pos,
+                                unsigned int size, unsigned char alignment, IParameterLoggingAPI* logger)
 {
     if (nullptr == buffer)
     {

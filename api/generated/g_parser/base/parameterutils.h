@@ -76,8 +76,8 @@ public:
     /// A fixed-width string field as a new string from OrvoCalloc (the caller frees it with
     /// OrvoFree): up to the first zero byte, `fieldSize` or the end of the buffer. Null, with
     /// the position unmoved, for a null buffer or a failed allocation.
-    static char* ReadString(unsigned char const* buffer, unsigned int length, unsigned int* pos,
-                            unsigned int fieldSize, unsigned char alignment);
+    static char* ReadString(unsigned char const* buffer, unsigned int length, unsigned int* pos, unsigned int fieldSize,
+                            unsigned char alignment);
 
     /// Copies `size` raw bytes, or what is left of the buffer; the position moves by the
     /// padded `size` either way, and a short copy is false.
@@ -131,8 +131,7 @@ public:
     /// The store's number printer, with at most `decimals` digits behind the point. `complete`
     /// says whether the whole value was printed. With `decimals` 0 no point is written, so
     /// callers use it for whole numbers only.
-    static void DoubleToString(double value, char* buffer, unsigned int size, unsigned int decimals,
-                               bool& complete);
+    static void DoubleToString(double value, char* buffer, unsigned int size, unsigned int decimals, bool& complete);
 };
 
 #include "parameterbinaryfile.h"

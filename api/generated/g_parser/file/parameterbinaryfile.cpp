@@ -42,7 +42,8 @@ ParameterBinaryFile::ParameterBinaryFile(char const* fileName, IParameterLogging
     size_t nameLength = strlen(fileName);
     if (nameLength > MaxPathLength)
     {
-        PARAMETER_LOG_ERROR(m_logger, "ParameterBinaryFile constructor file name length (%lld) exceeds max length: %d\n",
+        PARAMETER_LOG_ERROR(m_logger,
+                            "ParameterBinaryFile constructor file name length (%lld) exceeds max length: %d\n",
                             static_cast<long long>(nameLength), static_cast<int>(MaxPathLength));
         return;
     }
@@ -151,7 +152,8 @@ int ParameterBinaryFile::Reference(int adjust)
         int64_t sum = static_cast<int64_t>(m_references) + adjust;
         if (sum < 0)
         {
-            PARAMETER_LOG_ERROR(m_logger, "FileReference Adjust: %d, RefCount: %d, File Reference is less than adjust amount\n",
+            PARAMETER_LOG_ERROR(m_logger,
+                                "FileReference Adjust: %d, RefCount: %d, File Reference is less than adjust amount\n",
                                 adjust, m_references);
         }
         m_references = ClampToInt32(sum);
@@ -171,14 +173,14 @@ int ParameterBinaryFile::Reference(int adjust)
     return m_references;
 }
 
-bool ParameterBinaryFile::ReadAttempt(unsigned char* buffer, unsigned int offset, unsigned int pos,
-                                      unsigned long count)
+bool ParameterBinaryFile::ReadAttempt(unsigned char* buffer, unsigned int offset, unsigned int pos, unsigned long count)
 {
     unsigned int start  = offset + pos;
     int          result = fseek(m_file, static_cast<long>(start), SEEK_SET);
     if (0 != result)
     {
-        PARAMETER_LOG_ERROR(m_logger, "ParameterBinaryFile::Read fseek failed, ferror: %d, return value %d, offset: %d\n",
+        PARAMETER_LOG_ERROR(m_logger,
+                            "ParameterBinaryFile::Read fseek failed, ferror: %d, return value %d, offset: %d\n",
                             ferror(m_file), result, static_cast<int>(start));
         return false;
     }
@@ -267,8 +269,8 @@ unsigned char* ParameterBinaryFile::Read(unsigned int offset, unsigned long coun
     // Never more memory than the file holds: a longer count fails in the read below, with its
     // message, before a byte is stored.
     unsigned long  allocated = (count <= m_length) ? count : 1u;
-    unsigned char* data      = static_cast<unsigned char*>(
-        OrvoCalloc(allocated, 8, OrvoMemFlagsNone, OrvoMemTypeAny, __FILE__, __LINE__));
+    unsigned char* data =
+        static_cast<unsigned char*>(OrvoCalloc(allocated, 8, OrvoMemFlagsNone, OrvoMemTypeAny, __FILE__, __LINE__));
     if (nullptr == data)
     {
         PARAMETER_LOG_ERROR(m_logger, "ParameterBinaryFile::Read failed, out of memory, errno: %d\n", errno);
@@ -294,7 +296,8 @@ bool ParameterBinaryFile::ValidateCRC(unsigned char const* buffer, unsigned int 
     uint32_t expected = LoadLittleEndian32(buffer + length - 4u);
     if (actual != expected)
     {
-        PARAMETER_LOG_ERROR(logger, "Binary file CRC validation failed. Expected: %8x, Actual: %8x\n", expected, actual);
+        PARAMETER_LOG_ERROR(logger, "Binary file CRC validation failed. Expected: %8x, Actual: %8x\n", expected,
+                            actual);
         return false;
     }
     return true;

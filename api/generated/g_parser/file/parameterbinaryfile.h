@@ -68,12 +68,12 @@ public:
     uint32_t              m_length       = 0;       ///< file size from fstat at the first open
     int32_t               m_references   = 0;       ///< users that need the stream open
     char                  m_path[1024]   = {};
-    bool                  m_valid        = false;   ///< the file could be opened
-    bool                  m_crcValid     = false;   ///< the check value matched
-    bool                  m_modified     = false;   ///< modification time changed since the first open
-    int64_t               m_modifiedTime = 0;       ///< st_mtim.tv_sec of the first open, 0 before it
-    ParameterMutex        m_mutex;                  ///< guards the stream and the count
-    IParameterLoggingAPI* m_logger       = nullptr; ///< not owned
+    bool                  m_valid        = false; ///< the file could be opened
+    bool                  m_crcValid     = false; ///< the check value matched
+    bool                  m_modified     = false; ///< modification time changed since the first open
+    int64_t               m_modifiedTime = 0;     ///< st_mtim.tv_sec of the first open, 0 before it
+    ParameterMutex        m_mutex;                ///< guards the stream and the count
+    IParameterLoggingAPI* m_logger = nullptr;     ///< not owned
 
 private:
     bool ReadAttempt(unsigned char* buffer, unsigned int offset, unsigned int pos, unsigned long count);

@@ -78,7 +78,7 @@ static_assert(0x2D02EF8Du == ParameterBinaryFile::m_crcLookupTable[255], "not th
 
 // Advances a CRC over the next word of its own stream, and a lane over the next word of its
 // lane, BraidBlock bytes further on.
-constexpr WordTables NextWord = MakeWordTables(ParameterBinaryFile::m_crcLookupTable, 0);
+constexpr WordTables NextWord     = MakeWordTables(ParameterBinaryFile::m_crcLookupTable, 0);
 constexpr WordTables NextLaneWord = MakeWordTables(ParameterBinaryFile::m_crcLookupTable, BraidBlock - 4);
 
 inline uint32_t LoadLittleEndian32(const unsigned char* pBytes)
@@ -139,10 +139,10 @@ uint32_t UpdatePortable(uint32_t crc, const unsigned char* pBuffer, size_t lengt
 // Folding constants of the reflected polynomial: powers of x modulo P that carry 128 bits
 // forward by 512 bits (four lanes) and by 128 bits (one lane), and 64 bits by 32, bit-reflected;
 // then P and the Barrett constant floor(x^64 / P). The tests hold this path to a bitwise CRC.
-alignas(16) constexpr uint64_t FoldBy4[2]  = {0x0154442BD4ull, 0x01C6E41596ull};
-alignas(16) constexpr uint64_t FoldBy1[2]  = {0x01751997D0ull, 0x00CCAA009Eull};
-alignas(16) constexpr uint64_t Fold64[2]   = {0x0163CD6124ull, 0x0000000000ull};
-alignas(16) constexpr uint64_t Barrett[2]  = {0x01DB710641ull, 0x01F7011641ull};
+alignas(16) constexpr uint64_t FoldBy4[2] = {0x0154442BD4ull, 0x01C6E41596ull};
+alignas(16) constexpr uint64_t FoldBy1[2] = {0x01751997D0ull, 0x00CCAA009Eull};
+alignas(16) constexpr uint64_t Fold64[2]  = {0x0163CD6124ull, 0x0000000000ull};
+alignas(16) constexpr uint64_t Barrett[2] = {0x01DB710641ull, 0x01F7011641ull};
 
 constexpr size_t FoldBlockBytes = 64;
 
@@ -190,8 +190,8 @@ __attribute__((target("pclmul,sse4.1"))) uint32_t UpdateFolded(uint32_t crc, con
 
     // 128 bits to 64, then 64 to 32 by Barrett reduction.
     const __m128i low32 = _mm_setr_epi32(~0, 0, ~0, 0);
-    acc = _mm_xor_si128(_mm_srli_si128(acc, 8), _mm_clmulepi64_si128(acc, by1, 0x10));
-    const __m128i by64 = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(Fold64));
+    acc                 = _mm_xor_si128(_mm_srli_si128(acc, 8), _mm_clmulepi64_si128(acc, by1, 0x10));
+    const __m128i by64  = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(Fold64));
     acc = _mm_xor_si128(_mm_srli_si128(acc, 4), _mm_clmulepi64_si128(_mm_and_si128(acc, low32), by64, 0x00));
 
     const __m128i barrett  = _mm_load_si128(reinterpret_cast<const __m128i*>(Barrett));
@@ -267,7 +267,7 @@ bool Crc32HardwareAvailable()
 
 uint32_t Crc32(const unsigned char* pBuffer, size_t length)
 {
-    using Crc32Function = uint32_t (*)(const unsigned char*, size_t);
+    using Crc32Function                = uint32_t (*)(const unsigned char*, size_t);
     static const Crc32Function fastest = Crc32HardwareAvailable() ? &Crc32Hardware : &Crc32Portable;
     return fastest(pBuffer, (nullptr == pBuffer) ? 0 : length);
 }

@@ -24,12 +24,8 @@ void FreeGroups(PList<DupObjInfo*>* groups, uint32_t groupCount)
 } // namespace
 
 ParameterFileSymbolTable::ParameterFileSymbolTable(ParameterSetManager* setManager, VersionUnion const& version)
-    : m_setManager(setManager),
-      m_version(version),
-      m_versionDuplicateId(3, 0, 1),
-      m_versionModeFlags(5, 0, 0),
-      m_versionLinkId(2, 0, 0),
-      m_versionDataTable(4, 0, 0)
+    : m_setManager(setManager), m_version(version), m_versionDuplicateId(3, 0, 1), m_versionModeFlags(5, 0, 0),
+      m_versionLinkId(2, 0, 0), m_versionDataTable(4, 0, 0)
 {
 }
 
@@ -122,8 +118,8 @@ bool ParameterFileSymbolTable::ReadSection(unsigned char* buffer, unsigned int l
     if (!m_fileMode)
     {
         unsigned int pos = offset;
-        success = ReadTable(buffer, length, &pos, count, entries, lookup, groupCount, groups, m_dataOffset,
-                            m_modeTable, isSymbolTable, alignment);
+        success = ReadTable(buffer, length, &pos, count, entries, lookup, groupCount, groups, m_dataOffset, m_modeTable,
+                            isSymbolTable, alignment);
     }
     else
     {
@@ -154,9 +150,9 @@ bool ParameterFileSymbolTable::ReadSection(unsigned char* buffer, unsigned int l
 
 bool ParameterFileSymbolTable::Load(unsigned char* buffer, unsigned int length, char const* fileName,
                                     ParameterBinaryFile* file, unsigned int fileLength, unsigned int symbolSize,
-                                    unsigned int symbolOffset, unsigned int dataTableSize,
-                                    unsigned int dataTableOffset, unsigned int dataSize, unsigned int dataOffset,
-                                    IModeTable* modeTable, unsigned char alignment)
+                                    unsigned int symbolOffset, unsigned int dataTableSize, unsigned int dataTableOffset,
+                                    unsigned int dataSize, unsigned int dataOffset, IModeTable* modeTable,
+                                    unsigned char alignment)
 {
     unsigned int symbolEntrySize = GetSymbolEntrySize(alignment);
     m_symbolCount                = symbolSize / symbolEntrySize;
@@ -193,10 +189,10 @@ bool ParameterFileSymbolTable::Load(unsigned char* buffer, unsigned int length, 
         (static_cast<uint64_t>(dataTableOffset) + dataTableSize > end) ||
         (static_cast<uint64_t>(dataOffset) + dataSize > end))
     {
-        PARAMETER_LOG_ERROR(m_setManager,
-                            "Binary sections exceed the binary length %u: symbols %u+%u, data table %u+%u, data %u+%u\n",
-                            static_cast<unsigned int>(end), symbolOffset, symbolSize, dataTableOffset, dataTableSize,
-                            dataOffset, dataSize);
+        PARAMETER_LOG_ERROR(
+            m_setManager, "Binary sections exceed the binary length %u: symbols %u+%u, data table %u+%u, data %u+%u\n",
+            static_cast<unsigned int>(end), symbolOffset, symbolSize, dataTableOffset, dataTableSize, dataOffset,
+            dataSize);
         return false;
     }
 
@@ -242,10 +238,10 @@ bool ParameterFileSymbolTable::Load(unsigned char* buffer, unsigned int length, 
 }
 
 bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int length, unsigned int* pos,
-                                         unsigned int count, ParameterFileSymbolTableEntry* entries,
-                                         EntryData* lookup, unsigned int& duplicateCount,
-                                         PList<DupObjInfo*>*& duplicates, unsigned int dataOffset,
-                                         IModeTable* modeTable, bool isSymbolTable, unsigned char alignment)
+                                         unsigned int count, ParameterFileSymbolTableEntry* entries, EntryData* lookup,
+                                         unsigned int& duplicateCount, PList<DupObjInfo*>*& duplicates,
+                                         unsigned int dataOffset, IModeTable* modeTable, bool isSymbolTable,
+                                         unsigned char alignment)
 {
     uint32_t* counters = new (std::nothrow) uint32_t[count + 1u]();
     if (nullptr == counters)
@@ -295,7 +291,7 @@ bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int len
     }
     for (unsigned int index = 1; index <= count; ++index)
     {
-        uint32_t duplicate   = lookup[index].duplicate;
+        uint32_t duplicate      = lookup[index].duplicate;
         lookup[index].duplicate = (duplicate <= count) ? counters[duplicate] : 0u;
     }
     delete[] counters;

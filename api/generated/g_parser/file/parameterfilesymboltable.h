@@ -48,8 +48,8 @@ public:
     /// (indexed by id), and numbers its duplicate groups.
     bool ReadTable(unsigned char* buffer, unsigned int length, unsigned int* pos, unsigned int count,
                    ParameterFileSymbolTableEntry* entries, EntryData* lookup, unsigned int& duplicateCount,
-                   PList<DupObjInfo*>*& duplicates, unsigned int dataOffset, IModeTable* modeTable,
-                   bool isSymbolTable, unsigned char alignment);
+                   PList<DupObjInfo*>*& duplicates, unsigned int dataOffset, IModeTable* modeTable, bool isSymbolTable,
+                   unsigned char alignment);
 
     /// Fills `entry` with entry `id` (1 to the count) of the symbol or the data table, at
     /// position 0.
@@ -78,8 +78,7 @@ public:
     DupObjInfo* FindDupObject(void* object);
     /// The record of (group of `id`, call site, `count`), with its count of holders raised when
     /// it holds an object. Null when the entry is in no group or nothing fits.
-    DupObjInfo* GetDupObject(bool isModule, unsigned int id, unsigned int count, char const* file,
-                             unsigned int line);
+    DupObjInfo* GetDupObject(bool isModule, unsigned int id, unsigned int count, char const* file, unsigned int line);
     /// Shares `object` under that key. Null when the key already holds an object (the caller's
     /// stays private) or the entry is in no group.
     DupObjInfo* SetDupObject(bool isModule, unsigned int id, void* object, unsigned int count, char const* file,
@@ -92,37 +91,37 @@ public:
     void FreeEntryData();
     void FreeLookupData();
 
-    ParameterSetManager* m_setManager = nullptr; ///< owner, logger and lock
-    VersionUnion         m_version;
-    VersionUnion         m_versionDuplicateId; ///< 3.0.1: table records carry duplicateId above it
-    VersionUnion         m_versionModeFlags;   ///< 5.0.0
-    VersionUnion         m_versionLinkId;      ///< 2.0.0
-    VersionUnion         m_versionDataTable;   ///< 4.0.0
-    char const*          m_fileName   = nullptr; ///< the manager's; null in buffer mode
-    ParameterBinaryFile* m_file       = nullptr; ///< owned; null in buffer mode
-    uint32_t             m_fileLength = 0;
-    uint32_t             m_symbolSize      = 0;
-    uint32_t             m_symbolOffset    = 0;
-    uint32_t             m_dataTableSize   = 0;
-    uint32_t             m_dataTableOffset = 0;
-    uint32_t             m_dataOffset      = 0;
-    uint32_t             m_dataSize        = 0;
-    unsigned char*       m_data      = nullptr; ///< buffer mode: the data section, during the load only
-    IModeTable*          m_modeTable = nullptr;
-    uint8_t              m_alignment = 1; ///< never changed: file mode reads at alignment 1
-    uint32_t             m_symbolCount = 0;
-    uint32_t             m_dataCount   = 0;
-    PList<ModuleData*>   m_modules; ///< owned; every module entry, in id order
-    EntryData*           m_symbolLookup          = nullptr; ///< owned
-    EntryData*           m_dataLookup            = nullptr; ///< owned; may be m_symbolLookup
-    PList<DupObjInfo*>*  m_symbolDuplicates      = nullptr; ///< owned; one list per group, slot 0 unused
-    PList<DupObjInfo*>*  m_dataDuplicates        = nullptr; ///< owned; may be m_symbolDuplicates
-    uint32_t             m_symbolDuplicateCount  = 0;       ///< groups plus 1
-    uint32_t             m_dataDuplicateCount    = 0;
-    bool                 m_fileMode              = false;
-    ParameterFileSymbolTableEntry* m_symbolEntries = nullptr; ///< owned; null after FreeEntryData
-    ParameterFileSymbolTableEntry* m_dataEntries   = nullptr; ///< owned; may be m_symbolEntries
-    ParameterMutex                 m_dupLock;
+    ParameterSetManager*                   m_setManager = nullptr; ///< owner, logger and lock
+    VersionUnion                           m_version;
+    VersionUnion                           m_versionDuplicateId; ///< 3.0.1: table records carry duplicateId above it
+    VersionUnion                           m_versionModeFlags;   ///< 5.0.0
+    VersionUnion                           m_versionLinkId;      ///< 2.0.0
+    VersionUnion                           m_versionDataTable;   ///< 4.0.0
+    char const*                            m_fileName        = nullptr; ///< the manager's; null in buffer mode
+    ParameterBinaryFile*                   m_file            = nullptr; ///< owned; null in buffer mode
+    uint32_t                               m_fileLength      = 0;
+    uint32_t                               m_symbolSize      = 0;
+    uint32_t                               m_symbolOffset    = 0;
+    uint32_t                               m_dataTableSize   = 0;
+    uint32_t                               m_dataTableOffset = 0;
+    uint32_t                               m_dataOffset      = 0;
+    uint32_t                               m_dataSize        = 0;
+    unsigned char*                         m_data = nullptr; ///< buffer mode: the data section, during the load only
+    IModeTable*                            m_modeTable   = nullptr;
+    uint8_t                                m_alignment   = 1; ///< never changed: file mode reads at alignment 1
+    uint32_t                               m_symbolCount = 0;
+    uint32_t                               m_dataCount   = 0;
+    PList<ModuleData*>                     m_modules;                    ///< owned; every module entry, in id order
+    EntryData*                             m_symbolLookup     = nullptr; ///< owned
+    EntryData*                             m_dataLookup       = nullptr; ///< owned; may be m_symbolLookup
+    PList<DupObjInfo*>*                    m_symbolDuplicates = nullptr; ///< owned; one list per group, slot 0 unused
+    PList<DupObjInfo*>*                    m_dataDuplicates   = nullptr; ///< owned; may be m_symbolDuplicates
+    uint32_t                               m_symbolDuplicateCount = 0;   ///< groups plus 1
+    uint32_t                               m_dataDuplicateCount   = 0;
+    bool                                   m_fileMode             = false;
+    ParameterFileSymbolTableEntry*         m_symbolEntries        = nullptr; ///< owned; null after FreeEntryData
+    ParameterFileSymbolTableEntry*         m_dataEntries          = nullptr; ///< owned; may be m_symbolEntries
+    ParameterMutex                         m_dupLock;
     std::unordered_map<void*, DupObjInfo*> m_dupObjects; ///< live shared objects
 
 private:

@@ -36,8 +36,8 @@ DupObjInfo* ParameterFileSymbolTable::FindDupObject(void* object)
     return (m_dupObjects.end() == found) ? nullptr : found->second;
 }
 
-DupObjInfo* ParameterFileSymbolTable::GetDupObject(bool isModule, unsigned int id, unsigned int count,
-                                                   char const* file, unsigned int line)
+DupObjInfo* ParameterFileSymbolTable::GetDupObject(bool isModule, unsigned int id, unsigned int count, char const* file,
+                                                   unsigned int line)
 {
     DupSide side = SideOf(isModule);
     if ((nullptr == side.lookup) || (id > side.lookupCount))
@@ -124,9 +124,9 @@ DupObjInfo* ParameterFileSymbolTable::SetDupObject(bool isModule, unsigned int i
     DupObjInfo*        info = GetDupObject(isModule, id, count, file, line);
     if (nullptr == info)
     {
-        info = new DupObjInfo(count, file, line);
-        info->object   = object;
-        info->refCount = 1;
+        info                        = new DupObjInfo(count, file, line);
+        info->object                = object;
+        info->refCount              = 1;
         PList<DupObjInfo*>& records = side.groups[group];
         uint32_t            before  = records.count;
         records.Insert(records.count, info);

@@ -9,11 +9,11 @@
 namespace
 {
 // The one call site under which ReadString shares its strings.
-constexpr char const*   ReadStringSite = __FILE__;
-constexpr unsigned int  ReadStringLine = __LINE__;
-constexpr unsigned int  TypeFieldSize  = 32;
+constexpr char const*  ReadStringSite = __FILE__;
+constexpr unsigned int ReadStringLine = __LINE__;
+constexpr unsigned int TypeFieldSize  = 32;
 // The oldest symbol records carry 8 reserved bytes behind the version.
-constexpr unsigned int  ReservedBytes  = 8;
+constexpr unsigned int ReservedBytes = 8;
 } // namespace
 
 ParameterFileSymbolTableEntry::~ParameterFileSymbolTableEntry()
@@ -59,7 +59,7 @@ bool ParameterFileSymbolTableEntry::ReadFields(unsigned char const* record, unsi
                                                IModeTable* modeTable, bool isSymbolTable, unsigned char alignment,
                                                uint32_t* dataOffset)
 {
-    uint32_t     id          = 0;
+    uint32_t     id                      = 0;
     char         type[TypeFieldSize + 1] = {};
     VersionUnion version;
     uint32_t     modeId      = 0;
@@ -125,9 +125,9 @@ bool ParameterFileSymbolTableEntry::Load(unsigned char* buffer, char const* file
     if (nullptr == file)
     {
         unsigned int position = *pos;
-        bool success = ReadFields(buffer, length, &position, modeTable, isSymbolTable, alignment, &entryOffset);
-        *pos         = position;
-        m_fileName   = nullptr;
+        bool         success = ReadFields(buffer, length, &position, modeTable, isSymbolTable, alignment, &entryOffset);
+        *pos                 = position;
+        m_fileName           = nullptr;
         if (m_table->m_fileMode)
         {
             // A table read from a section buffer: its bytes are not in `buffer`, and the entries
@@ -152,16 +152,16 @@ bool ParameterFileSymbolTableEntry::Load(unsigned char* buffer, char const* file
     }
 
     // File mode: a symbol-sized block at the record, even for a shorter data-table record.
-    bool         dataTableSection = !isSymbolTable && (0 != m_table->m_dataTableOffset);
-    unsigned int section          = dataTableSection ? m_table->m_dataTableOffset : m_table->m_symbolOffset;
-    unsigned int recordSize       = m_table->GetSymbolEntrySize(alignment);
-    unsigned char* record         = file->Read(section + *pos, recordSize);
+    bool           dataTableSection = !isSymbolTable && (0 != m_table->m_dataTableOffset);
+    unsigned int   section          = dataTableSection ? m_table->m_dataTableOffset : m_table->m_symbolOffset;
+    unsigned int   recordSize       = m_table->GetSymbolEntrySize(alignment);
+    unsigned char* record           = file->Read(section + *pos, recordSize);
     if (nullptr == record)
     {
         return false;
     }
     unsigned int consumed = 0;
-    bool success = ReadFields(record, recordSize, &consumed, modeTable, isSymbolTable, alignment, &entryOffset);
+    bool         success = ReadFields(record, recordSize, &consumed, modeTable, isSymbolTable, alignment, &entryOffset);
     OrvoFree(record, OrvoMemFlagsNone, __FILE__, __LINE__);
     *pos += consumed;
 

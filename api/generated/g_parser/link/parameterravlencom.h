@@ -33,8 +33,7 @@ public:
     /// One address to bind.
     struct SocketAddress
     {
-        union
-        {
+        union {
             sockaddr_in inet;
             sockaddr_un local;
         } m_address;

@@ -109,35 +109,35 @@ void ParameterRavlenWorker::Dispatch(UINT8* pPacket, UINT32 size)
     }
     switch (ReadU16(pPacket + 2))
     {
-    case CommandDeviceInfo:
-        ProcessDeviceInfo();
-        break;
-    case CommandActiveModes:
-        ProcessDataActiveModes();
-        break;
-    case CommandControlValues:
-        ProcessDataControlValues();
-        break;
-    case CommandModes:
-        ProcessDataModes(pPacket, size);
-        break;
-    case CommandInfo:
-        ProcessDataInfo(pPacket, size);
-        break;
-    case CommandGetValues:
-        ProcessDataGetValues(pPacket, size);
-        break;
-    case CommandSetValues:
-        ProcessDataSetValues(pPacket, size);
-        break;
-    case CommandTriggerValues:
-        ProcessDataTriggerValues();
-        break;
-    case CommandCustom:
-        ProcessCustom(pPacket, size);
-        break;
-    default:
-        break; // unknown commands get no reply
+        case CommandDeviceInfo:
+            ProcessDeviceInfo();
+            break;
+        case CommandActiveModes:
+            ProcessDataActiveModes();
+            break;
+        case CommandControlValues:
+            ProcessDataControlValues();
+            break;
+        case CommandModes:
+            ProcessDataModes(pPacket, size);
+            break;
+        case CommandInfo:
+            ProcessDataInfo(pPacket, size);
+            break;
+        case CommandGetValues:
+            ProcessDataGetValues(pPacket, size);
+            break;
+        case CommandSetValues:
+            ProcessDataSetValues(pPacket, size);
+            break;
+        case CommandTriggerValues:
+            ProcessDataTriggerValues();
+            break;
+        case CommandCustom:
+            ProcessCustom(pPacket, size);
+            break;
+        default:
+            break; // unknown commands get no reply
     }
 }
 

@@ -10,8 +10,7 @@
 /// storage holds either a signed integer or a double, as IsInteger tells.
 struct PDLIBVARK_API ParameterCTValue
 {
-    union Storage
-    {
+    union Storage {
         int64_t integer;
         double  real;
     };

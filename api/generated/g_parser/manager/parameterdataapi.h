@@ -16,16 +16,15 @@ class PDLIBVARK_API IParameterDataAPI : public IParameterLoggingAPI
 public:
     ~IParameterDataAPI() override = default;
 
-    virtual bool GetValue(char const* modePath, char const* path, char const* names, char* out,
-                          unsigned int size) = 0;
-    virtual bool SetValue(char const* modePath, char const* path, char const* name, char const* value) = 0;
-    virtual bool GetInfo(char const* modePath, char const* path, PList<ParameterParserInfo>& list) = 0;
-    virtual void GetActiveModes(char* out, unsigned int size) = 0;
-    virtual bool GetControlValues(char* out, unsigned int size) = 0;
-    virtual bool GetTriggerValues(char* out, unsigned int size) = 0;
+    virtual bool GetValue(char const* modePath, char const* path, char const* names, char* out, unsigned int size) = 0;
+    virtual bool SetValue(char const* modePath, char const* path, char const* name, char const* value)             = 0;
+    virtual bool GetInfo(char const* modePath, char const* path, PList<ParameterParserInfo>& list)                 = 0;
+    virtual void GetActiveModes(char* out, unsigned int size)                                                      = 0;
+    virtual bool GetControlValues(char* out, unsigned int size)                                                    = 0;
+    virtual bool GetTriggerValues(char* out, unsigned int size)                                                    = 0;
     /// Returns the bytes written, the terminator included.
     virtual unsigned int GetChildModes(char const* modePath, unsigned char* out, unsigned int size) = 0;
-    virtual void GetModeShorthand(char const* modePath, char* out, unsigned int size) = 0;
+    virtual void         GetModeShorthand(char const* modePath, char* out, unsigned int size)       = 0;
 };
 
 #endif // PARAMETERDATAAPI_H

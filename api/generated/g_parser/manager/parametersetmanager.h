@@ -39,13 +39,13 @@ public:
         SectionDataTable   = 3,
     };
 
-    static constexpr unsigned int MaxErrorText      = 2048;
-    static constexpr unsigned int MaxFileName       = 1024;
+    static constexpr unsigned int MaxErrorText = 2048;
+    static constexpr unsigned int MaxFileName  = 1024;
     /// File mode keeps the first bytes of the file as its working buffer; the section table
     /// must end within them.
     static constexpr unsigned int FileModeHeadBytes = 316;
     /// `linkId` of a mode record that links nowhere.
-    static constexpr uint32_t     NoLink            = 0xFFFFFFFF;
+    static constexpr uint32_t NoLink = 0xFFFFFFFF;
 
     ParameterSetManager();
     ParameterSetManager(ParameterSetManager const&)            = delete;
@@ -79,7 +79,7 @@ public:
     bool        LoggingEnabled(ParameterLogging::ParameterLogLevel level) override;
     /// The registered module type `type`, or null.
     virtual DefaultModule* GetDefaultModule(char* type) = 0;
-    virtual void           SaveAndClearModules()         = 0;
+    virtual void           SaveAndClearModules()        = 0;
 
     // Loading a file.
 
@@ -127,8 +127,7 @@ public:
     bool LoadModules(ModeEntry* mode, bool load, char const* moduleName, TuningMode const* modeBranch,
                      unsigned int modeCount, int& fileReferences);
     /// One load walk from the root along the branch; `reload` tells that a module failed.
-    bool LoadModeInternal(TuningMode const* modeBranch, unsigned int modeCount, bool& reload,
-                          char const* moduleName);
+    bool LoadModeInternal(TuningMode const* modeBranch, unsigned int modeCount, bool& reload, char const* moduleName);
     /// The set manager's half of ParameterModule::Release.
     void ReleaseModule(ParameterModule const* module);
 
@@ -193,32 +192,32 @@ public:
     /// Numeric paths, joined by ";", to named ones ("0.0|2.1" to "Default|Usecase.Snapshot").
     static void GetRavlenModesString(char const* paths, char* out, unsigned int size);
 
-    char*    m_tag             = nullptr; ///< owned header tag; the logging identifier
-    bool     m_parametersValid = false;   ///< result of the last load
-    char     m_errorText[MaxErrorText] = {};
-    bool     m_logError            = true;
-    bool     m_logWarning          = true;
-    bool     m_logDebug            = true;
-    bool     m_quietMissingModules = false;
-    bool     m_tuningEnabled       = true;
-    std::atomic<uint32_t> m_setValueCount{0}; ///< atomic: SetValue runs under a shared lock
-    std::unordered_map<std::string, DefaultModule*> DefaultModuleMap; ///< one entry per module type
-    ParameterFileSymbolTable*   m_symbolTable = nullptr; ///< owned
-    ParameterMutex              m_loadLock;
-    ParameterMutex              m_accessLock;
-    uint32_t                    m_maxLoadedModes  = 0; ///< 0 switches eviction off
-    bool                        m_fileModeAllowed = false;
-    char                        m_fileName[MaxFileName] = {}; ///< the bound file; empty in buffer mode
-    std::list<ParameterModule*> m_replacedModules;            ///< owned
-    std::list<ParameterSetManager*> m_updateSetManagers;      ///< owned
-    ParameterRavlenWorker**     m_tuningWorker = nullptr;     ///< owned holder; tuning managers only
-    ModeEntry*                  m_rootMode     = nullptr;     ///< owned tree
-    ModeEntry**                 m_modes        = nullptr;     ///< owned array; the entries belong to the tree
-    uint32_t                    m_modeCount    = 0;
-    PList<ModeEntry*>           m_loadedModes;  ///< recency list, most recent first
-    PList<ParameterCTValue>     m_controlValues;
-    PList<ParameterCTValue>     m_triggerValues;
-    ParameterMutex              m_valueLock;
+    char*                                           m_tag = nullptr; ///< owned header tag; the logging identifier
+    bool                                            m_parametersValid         = false; ///< result of the last load
+    char                                            m_errorText[MaxErrorText] = {};
+    bool                                            m_logError                = true;
+    bool                                            m_logWarning              = true;
+    bool                                            m_logDebug                = true;
+    bool                                            m_quietMissingModules     = false;
+    bool                                            m_tuningEnabled           = true;
+    std::atomic<uint32_t>                           m_setValueCount{0}; ///< atomic: SetValue runs under a shared lock
+    std::unordered_map<std::string, DefaultModule*> DefaultModuleMap;   ///< one entry per module type
+    ParameterFileSymbolTable*                       m_symbolTable = nullptr; ///< owned
+    ParameterMutex                                  m_loadLock;
+    ParameterMutex                                  m_accessLock;
+    uint32_t                                        m_maxLoadedModes  = 0; ///< 0 switches eviction off
+    bool                                            m_fileModeAllowed = false;
+    char                             m_fileName[MaxFileName]          = {}; ///< the bound file; empty in buffer mode
+    std::list<ParameterModule*>      m_replacedModules;                     ///< owned
+    std::list<ParameterSetManager*>  m_updateSetManagers;                   ///< owned
+    ParameterRavlenWorker**          m_tuningWorker = nullptr;              ///< owned holder; tuning managers only
+    ModeEntry*                       m_rootMode     = nullptr;              ///< owned tree
+    ModeEntry**                      m_modes        = nullptr; ///< owned array; the entries belong to the tree
+    uint32_t                         m_modeCount    = 0;
+    PList<ModeEntry*>                m_loadedModes; ///< recency list, most recent first
+    PList<ParameterCTValue>          m_controlValues;
+    PList<ParameterCTValue>          m_triggerValues;
+    ParameterMutex                   m_valueLock;
     PList<ParameterFileSymbolTable*> m_replacedSymbolTables; ///< owned
 
     // Header and section table of the loaded file.
@@ -332,7 +331,7 @@ private:
     /// One record of the mode section, as read.
     struct ModeRecord
     {
-        uint32_t  id        = 0;
+        uint32_t  id = 0;
         ModeUnion mode;
         uint32_t  parentId  = 0;
         uint32_t  linkId    = NoLink; ///< for records without the field too
@@ -344,16 +343,16 @@ private:
     /// The one-node tree of a file without mode section.
     void CreateDefaultModeTree();
     /// Reads the fields of one mode record at `*pos`; false on a short section.
-    bool ReadModeRecord(unsigned char const* section, unsigned int length, unsigned int* pos,
-                        unsigned char alignment, ModeRecord& record) const;
+    bool ReadModeRecord(unsigned char const* section, unsigned int length, unsigned int* pos, unsigned char alignment,
+                        ModeRecord& record) const;
     /// Checks one record and builds its mode into the tree; false for a bad id.
     bool AddModeRecord(ModeRecord const& record);
 
-    std::atomic<bool>   m_fileMode{false};   ///< m_fileName is set
-    uint32_t            m_reloadGeneration = 0; ///< reloads so far; written under the access lock
-    std::list<ModeTree> m_replacedTrees;     ///< owned; freed with the replaced symbol tables
-    std::mutex          m_errorLock;         ///< SetError may be called from several threads
-    std::list<std::string>   m_publishedTags;   ///< texts that m_loggingIdentifier has pointed to
+    std::atomic<bool>        m_fileMode{false};      ///< m_fileName is set
+    uint32_t                 m_reloadGeneration = 0; ///< reloads so far; written under the access lock
+    std::list<ModeTree>      m_replacedTrees;        ///< owned; freed with the replaced symbol tables
+    std::mutex               m_errorLock;            ///< SetError may be called from several threads
+    std::list<std::string>   m_publishedTags;        ///< texts that m_loggingIdentifier has pointed to
     std::atomic<char const*> m_loggingIdentifier{nullptr};
 };
 

@@ -7,8 +7,8 @@ namespace
 // Mode numbers from here on can be evicted; Default and Sensor are always loaded.
 constexpr uint16_t FirstEvictableMode = 2;
 // The recency list keeps at least this many modes, whatever the bound says.
-constexpr uint32_t MinLoadedModes = 5;
-constexpr unsigned int PathTextSize = 512;
+constexpr uint32_t     MinLoadedModes = 5;
+constexpr unsigned int PathTextSize   = 512;
 
 // "Loading modules (GetModule:<name>:<branch>): <mode>[-><link target>]", or "Unloading ...".
 void LogWalk(ParameterSetManager* manager, bool load, ModeEntry const* mode, ModeEntry const* target,
@@ -38,8 +38,8 @@ void LogWalk(ParameterSetManager* manager, bool load, ModeEntry const* mode, Mod
     }
     else
     {
-        PARAMETER_LOG_DEBUG(manager, "%soading modules (GetModule:Unknown:%s): %s->%s\n", action, branchPath,
-                            modePath, targetPath);
+        PARAMETER_LOG_DEBUG(manager, "%soading modules (GetModule:Unknown:%s): %s->%s\n", action, branchPath, modePath,
+                            targetPath);
     }
 }
 
@@ -56,8 +56,8 @@ bool Holds(PList<ModeEntry*> const& list, ModeEntry const* mode)
 }
 } // namespace
 
-bool ParameterSetManager::LoadModules(ModeEntry* mode, bool load, char const* moduleName,
-                                      TuningMode const* modeBranch, unsigned int modeCount, int& fileReferences)
+bool ParameterSetManager::LoadModules(ModeEntry* mode, bool load, char const* moduleName, TuningMode const* modeBranch,
+                                      unsigned int modeCount, int& fileReferences)
 {
     bool       fileMode = IsFileMode();
     bool       trimming = fileMode && (0 != m_maxLoadedModes);
@@ -150,7 +150,7 @@ void ParameterSetManager::UnloadModeModules(ModeEntry* target)
         }
         module->UnloadModule();
     }
-    target->m_loaded = false;
+    target->m_loaded    = false;
     uint32_t unreleased = target->GetReferenceCount(nullptr);
     if (0 != unreleased)
     {

@@ -58,7 +58,7 @@ bool ParameterSetManager::LoadBinaryParameters(unsigned char* buffer, unsigned l
     unsigned int  pos                = 0;
     unsigned int  sectionTableOffset = 0;
     unsigned char alignment          = 1;
-    m_parametersValid = ReadHeader(buffer, size, &pos, &sectionTableOffset, &alignment) &&
+    m_parametersValid                = ReadHeader(buffer, size, &pos, &sectionTableOffset, &alignment) &&
                         ReadSections(buffer, size, nullptr, nullptr, size, sectionTableOffset, this, alignment);
     if (m_parametersValid)
     {
@@ -120,7 +120,7 @@ bool ParameterSetManager::LoadBinaryParameters(char const* fileName)
         unsigned int  pos                = 0;
         unsigned int  sectionTableOffset = 0;
         unsigned char alignment          = 1;
-        bool headerValid = ReadHeader(image, length, &pos, &sectionTableOffset, &alignment);
+        bool          headerValid        = ReadHeader(image, length, &pos, &sectionTableOffset, &alignment);
         OrvoFree(image, OrvoMemFlagsNone, __FILE__, __LINE__);
         // After the check the file's first bytes are the working buffer: only tables stay.
         unsigned char* head = headerValid ? file->Read(0, FileModeHeadBytes) : nullptr;
@@ -168,9 +168,9 @@ bool ParameterSetManager::ReadHeader(unsigned char* buffer, unsigned int length,
     unsigned int  localPos         = 0;
     unsigned int  localTableOffset = 0;
     unsigned char localAlignment   = 1;
-    pos                = (nullptr == pos) ? &localPos : pos;
-    sectionTableOffset = (nullptr == sectionTableOffset) ? &localTableOffset : sectionTableOffset;
-    alignment          = (nullptr == alignment) ? &localAlignment : alignment;
+    pos                            = (nullptr == pos) ? &localPos : pos;
+    sectionTableOffset             = (nullptr == sectionTableOffset) ? &localTableOffset : sectionTableOffset;
+    alignment                      = (nullptr == alignment) ? &localAlignment : alignment;
 
     // Nothing of an earlier file may stand in for a field that this one lacks.
     m_version = VersionUnion();
@@ -231,7 +231,8 @@ bool ParameterSetManager::ReadHeader(unsigned char* buffer, unsigned int length,
     }
     if ((length < dataSize) && (0 == (m_flags & CompressedFlag)))
     {
-        Orvo::OsUtils::SNPrintF(text, sizeof(text), "Binary header data too small: Expected: %d bytes, Actual: %u bytes",
+        Orvo::OsUtils::SNPrintF(text, sizeof(text),
+                                "Binary header data too small: Expected: %d bytes, Actual: %u bytes",
                                 static_cast<int>(dataSize), length);
         SetError(text, nullptr);
         return false;
@@ -245,11 +246,11 @@ bool ParameterSetManager::ReadHeader(unsigned char* buffer, unsigned int length,
     }
     else if (m_version > NewestVersion)
     {
-        Orvo::OsUtils::SNPrintF(text, sizeof(text),
-                                "Unsupported binary header version : %u.%u.%u. Please re-generate parser code using the "
-                                "latest version of ParameterParser",
-                                static_cast<unsigned int>(m_version.major), static_cast<unsigned int>(m_version.minor),
-                                m_version.patch);
+        Orvo::OsUtils::SNPrintF(
+            text, sizeof(text),
+            "Unsupported binary header version : %u.%u.%u. Please re-generate parser code using the "
+            "latest version of ParameterParser",
+            static_cast<unsigned int>(m_version.major), static_cast<unsigned int>(m_version.minor), m_version.patch);
         SetError(text, nullptr);
         return false;
     }
@@ -278,8 +279,8 @@ bool ParameterSetManager::ReadSectionInfo(unsigned char* buffer, unsigned int le
     }
     if (m_sectionCount > MaxSections)
     {
-        PARAMETER_LOG_ERROR(this, "ReadSectionInfo: Section count %d is greater than Max sections %d\n",
-                            m_sectionCount, MaxSections);
+        PARAMETER_LOG_ERROR(this, "ReadSectionInfo: Section count %d is greater than Max sections %d\n", m_sectionCount,
+                            MaxSections);
         return false;
     }
     if ((nullptr == buffer) || (nullptr == pos))
@@ -367,9 +368,9 @@ bool ParameterSetManager::ReadSections(unsigned char* buffer, unsigned int lengt
     }
 
     bool fileMode = nullptr != file;
-    bool loaded   = m_symbolTable->Load(buffer, length, fileName, file, fileLength, m_symbolSize, m_symbolOffset,
-                                        m_dataTableSize, m_dataTableOffset, m_dataSize, m_dataOffset, modeTable,
-                                        alignment);
+    bool loaded =
+        m_symbolTable->Load(buffer, length, fileName, file, fileLength, m_symbolSize, m_symbolOffset, m_dataTableSize,
+                            m_dataTableOffset, m_dataSize, m_dataOffset, modeTable, alignment);
     // File mode re-reads entries from the file from now on. Safe variant: a failed buffer load
     // drops them too, as they point into the caller's image.
     if (fileMode || !loaded)

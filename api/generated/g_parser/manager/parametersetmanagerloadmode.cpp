@@ -25,7 +25,7 @@ bool ParameterSetManager::LoadModeInternal(TuningMode const* modeBranch, unsigne
     bool fileMode       = IsFileMode();
     int  fileReferences = 0;
     bool result         = true;
-    reload = !LoadModules(m_rootMode, true, moduleName, modeBranch, modeCount, fileReferences) && fileMode;
+    reload              = !LoadModules(m_rootMode, true, moduleName, modeBranch, modeCount, fileReferences) && fileMode;
     // Required: a failed root load is told through `reload` alone; the result stays true.
     ModeEntry* current = m_rootMode;
     for (unsigned int index = 1; !reload && (nullptr != modeBranch) && (index < modeCount);)

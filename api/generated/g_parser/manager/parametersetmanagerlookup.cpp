@@ -24,8 +24,8 @@ struct BranchText
 };
 } // namespace
 
-ParameterModule* ParameterSetManager::GetModule(char const* name, TuningMode const* modeBranch,
-                                                unsigned int modeCount, ParameterModule* previous)
+ParameterModule* ParameterSetManager::GetModule(char const* name, TuningMode const* modeBranch, unsigned int modeCount,
+                                                ParameterModule* previous)
 {
     ParameterMutexLock access(&m_accessLock, true, true);
     if (nullptr == name)
@@ -75,8 +75,8 @@ ParameterModule* ParameterSetManager::GetModule(char const* name, TuningMode con
             return nullptr;
         }
     }
-    bool        fileMode  = IsFileMode();
-    std::string key(name);
+    bool             fileMode = IsFileMode();
+    std::string      key(name);
     ParameterModule* candidate = m_rootMode->FindModule(&key);
     if (nullptr != candidate)
     {
@@ -161,9 +161,9 @@ ParameterModule* ParameterSetManager::FindDeepestModule(std::string const& name,
         }
         else
         {
-            PARAMETER_LOG_ERROR(this, "Failed to load module %s, path: %s, skipping\n", found->Name,
-                                ((nullptr == found->Data) || (nullptr == found->Data->ModePath)) ? ""
-                                                                                                  : found->Data->ModePath);
+            PARAMETER_LOG_ERROR(
+                this, "Failed to load module %s, path: %s, skipping\n", found->Name,
+                ((nullptr == found->Data) || (nullptr == found->Data->ModePath)) ? "" : found->Data->ModePath);
         }
     }
     return candidate;

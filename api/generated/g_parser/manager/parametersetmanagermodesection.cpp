@@ -111,8 +111,8 @@ bool ParameterSetManager::AddModeRecord(ModeRecord const& record)
     }
 
     // A parent that was not read yet is null, as is the parent of a root.
-    ModeEntry* parent = (record.parentId == record.id) ? nullptr : m_modes[record.parentId];
-    ModeEntry* entry  = parent;
+    ModeEntry* parent  = (record.parentId == record.id) ? nullptr : m_modes[record.parentId];
+    ModeEntry* entry   = parent;
     bool       created = (nullptr == parent) || (parent->m_mode.mode != record.mode.mode) ||
                    (parent->m_mode.subMode != record.mode.subMode);
     if (created)
@@ -126,9 +126,9 @@ bool ParameterSetManager::AddModeRecord(ModeRecord const& record)
     m_modes[record.id] = entry;
     if (nullptr == m_rootMode)
     {
-        m_rootMode           = entry;
-        entry->m_loaded      = true;
-        entry->m_pinned      = true;
+        m_rootMode      = entry;
+        entry->m_loaded = true;
+        entry->m_pinned = true;
         return true;
     }
     if (entry->m_mode.mode < FirstEvictableMode)
@@ -160,8 +160,9 @@ bool ParameterSetManager::ReadModeSection(unsigned char* buffer, unsigned int le
     FreeModeTree(); // a tree of an earlier file must not be overwritten unfreed
     if ((0 == m_modeOffset) || (0 == m_modeSize))
     {
-        PARAMETER_LOG_DEBUG(this, "ReadModeSection: No mode table in binary, ModeOffset(%d) ModeSize(%d), creating "
-                                  "default\n",
+        PARAMETER_LOG_DEBUG(this,
+                            "ReadModeSection: No mode table in binary, ModeOffset(%d) ModeSize(%d), creating "
+                            "default\n",
                             m_modeOffset, m_modeSize);
         CreateDefaultModeTree();
         return nullptr != m_rootMode;
@@ -169,8 +170,8 @@ bool ParameterSetManager::ReadModeSection(unsigned char* buffer, unsigned int le
 
     unsigned int textSize   = (m_version >= ModeTextVersion) ? ModeTextSize : 0u;
     unsigned int recordSize = (nullptr == m_symbolTable) ? 0u : m_symbolTable->GetModeEntrySize(alignment);
-    unsigned int count      = ((0 == recordSize) || (m_modeSize < textSize)) ? 0u : (m_modeSize - textSize) / recordSize;
-    uint64_t     expected   = textSize + static_cast<uint64_t>(count) * recordSize;
+    unsigned int count    = ((0 == recordSize) || (m_modeSize < textSize)) ? 0u : (m_modeSize - textSize) / recordSize;
+    uint64_t     expected = textSize + static_cast<uint64_t>(count) * recordSize;
     if (m_modeSize != expected)
     {
         PARAMETER_LOG_ERROR(this, "ReadModeSection: ModeSize %d does not match expected size %d\n", m_modeSize,

@@ -77,8 +77,7 @@ void ParameterSetManager::DeleteDefaultModules()
     DefaultModuleMap.clear();
 }
 
-bool ParameterSetManager::UpdateFromBuffer(unsigned char* buffer, unsigned long size,
-                                           ParameterSetManager* (*create)())
+bool ParameterSetManager::UpdateFromBuffer(unsigned char* buffer, unsigned long size, ParameterSetManager* (*create)())
 {
     // The flag is read under the lock: a reload on another thread writes it.
     ParameterMutexLock lock(&m_accessLock, false, true);

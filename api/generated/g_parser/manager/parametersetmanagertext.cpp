@@ -279,9 +279,9 @@ bool ParameterSetManager::GetInfo(TuningMode const* modeBranch, unsigned int mod
     }
     if (nullptr != path)
     {
-        char     moduleName[ModuleNameSize];
-        uint32_t nameLength = ParameterUtils::GetSubString(path, '.', moduleName, sizeof(moduleName));
-        ParameterModule* module = GetModule(moduleName, modeBranch, modeCount, nullptr);
+        char             moduleName[ModuleNameSize];
+        uint32_t         nameLength = ParameterUtils::GetSubString(path, '.', moduleName, sizeof(moduleName));
+        ParameterModule* module     = GetModule(moduleName, modeBranch, modeCount, nullptr);
         if (nullptr == module)
         {
             return false;

@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-
 namespace
 {
 // Writes `value` in decimal without a terminator; returns the characters written (at most 5).

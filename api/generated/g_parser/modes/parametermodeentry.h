@@ -78,8 +78,8 @@ public:
     /// Sets the entry under the module's name to the module with no references, inserting it
     /// if the name is new. Returns the module that the entry held, or null.
     ParameterModule* ReplaceModule(ParameterModule* module);
-    void AddReference(ParameterModule const* module);
-    void ReleaseReference(ParameterModule const* module);
+    void             AddReference(ParameterModule const* module);
+    void             ReleaseReference(ParameterModule const* module);
     /// Sum of the counts of this mode's own modules, from the entry of `module` (or the first
     /// entry, for null) to the end of the table, in table order: with a module the sum includes
     /// every owned entry that follows it, as intended.
@@ -91,16 +91,16 @@ public:
     /// Some module in the table is owned by this mode.
     bool HasLocalModules() const;
 
-    uint32_t    m_id          = 0;
-    ModeUnion   m_mode;
-    bool        m_loaded      = false;
-    bool        m_pinned      = false;
-    ModeEntry** m_link        = nullptr; ///< slot of the mode table, not owned
-    ModeEntry*  m_parent      = nullptr;
-    ModeEntry*  m_firstChild  = nullptr; ///< owned chain
-    ModeEntry*  m_lastChild   = nullptr;
-    ModeEntry*  m_nextSibling = nullptr; ///< owned chain
-    std::unordered_map<std::string, ModuleReference> m_modules; ///< keyed by module name
+    uint32_t                                         m_id = 0;
+    ModeUnion                                        m_mode;
+    bool                                             m_loaded      = false;
+    bool                                             m_pinned      = false;
+    ModeEntry**                                      m_link        = nullptr; ///< slot of the mode table, not owned
+    ModeEntry*                                       m_parent      = nullptr;
+    ModeEntry*                                       m_firstChild  = nullptr; ///< owned chain
+    ModeEntry*                                       m_lastChild   = nullptr;
+    ModeEntry*                                       m_nextSibling = nullptr; ///< owned chain
+    std::unordered_map<std::string, ModuleReference> m_modules;               ///< keyed by module name
 
 private:
     /// Whether this mode is `module`'s owner mode.

@@ -17,19 +17,25 @@ char const* const UsecaseNames[] = {"Preview",  "Snapshot",          "Video",   
 char const* const Feature1Names[] = {"None",           "ISPHDR",      "ADRC",           "inSensorHDR3Exp",
                                      "MFHDRPreFusion", "MFHDRFusion", "MFHDRPostFusion"};
 
-char const* const Feature2Names[] = {"None",           "OISCapture",          "HLG",
-                                     "HDR10",          "MFNRBlend",           "MFNRPostFilter",
-                                     "AIDenoiserMFNRBlend", "AIDenoiserMFNRPostFilter", "VSPMFNRBlend",
-                                     "VSPMFNRPostFilter",   "VSPPostFusion"};
+char const* const Feature2Names[] = {"None",
+                                     "OISCapture",
+                                     "HLG",
+                                     "HDR10",
+                                     "MFNRBlend",
+                                     "MFNRPostFilter",
+                                     "AIDenoiserMFNRBlend",
+                                     "AIDenoiserMFNRPostFilter",
+                                     "VSPMFNRBlend",
+                                     "VSPMFNRPostFilter",
+                                     "VSPPostFusion"};
 
-char const* const SceneNames[] = {"None",      "Landscape",   "Snow",      "Beach",        "Sunset",
-                                  "Night",     "Portrait",    "BackLight", "Sports",       "AntiShake",
-                                  "Flowers",   "CandleLight", "Fireworks", "Party",        "NightPortrait",
-                                  "Theater",   "Action",      "AR",        "FacePriority", "Barcode",
-                                  "BestShot"};
+char const* const SceneNames[] = {"None",         "Landscape", "Snow",          "Beach",     "Sunset",  "Night",
+                                  "Portrait",     "BackLight", "Sports",        "AntiShake", "Flowers", "CandleLight",
+                                  "Fireworks",    "Party",     "NightPortrait", "Theater",   "Action",  "AR",
+                                  "FacePriority", "Barcode",   "BestShot"};
 
-char const* const EffectNames[] = {"None",     "Mono",   "Sepia", "Negative",   "Solarize",  "Posterize",
-                                   "Aqua",     "Emboss", "Sketch", "Neon",      "Blackboard", "Whiteboard"};
+char const* const EffectNames[] = {"None", "Mono",   "Sepia",  "Negative", "Solarize",   "Posterize",
+                                   "Aqua", "Emboss", "Sketch", "Neon",     "Blackboard", "Whiteboard"};
 } // namespace
 
 char const* ModeEntry::GetModeName(unsigned int mode)

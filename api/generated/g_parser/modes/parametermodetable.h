@@ -12,7 +12,7 @@ class PDLIBVARK_API IModeTable
 public:
     /// The mode at table index `id`, or null when the table has no such index.
     virtual ModeEntry* GetModeEntry(unsigned int id) = 0;
-    virtual ~IModeTable() = default;
+    virtual ~IModeTable()                            = default;
 };
 
 #endif // PARAMETERMODETABLE_H

@@ -113,7 +113,7 @@ void ModuleData::GetType(char* out, char const* name)
 ParameterModule::ParameterModule(char const* name, VersionUnion const& version, ModuleData* data)
     : Version(version), Data(data)
 {
-    char const* givenName             = (nullptr == name) ? "" : name;
+    char const* givenName                           = (nullptr == name) ? "" : name;
     char        type[ModuleData::MaxTypeLength + 1] = {};
     ModuleData::GetType(type, givenName);
     Name = CopyText(givenName);
@@ -179,7 +179,8 @@ void ParameterModule::Release()
 {
     if ((nullptr == Data) || (nullptr == Data->SetManager))
     {
-        PARAMETER_LOG_ERROR(nullptr, "Attempt to release module reference when Data or SetManager is nullptr. Module %s\n",
+        PARAMETER_LOG_ERROR(nullptr,
+                            "Attempt to release module reference when Data or SetManager is nullptr. Module %s\n",
                             (nullptr == Name) ? "" : Name);
         return;
     }

@@ -42,7 +42,7 @@ public:
     uint32_t                  DuplicateID = 0;       ///< entry whose instance this entry shares, or 0
     char*                     Type        = nullptr; ///< owned; empty text for a null type
     VersionUnion              Version;
-    uint32_t                  ModeId      = 0;       ///< index into the manager's mode table
+    uint32_t                  ModeId      = 0; ///< index into the manager's mode table
     ModeEntry*                Mode        = nullptr;
     char*                     ModePath    = nullptr; ///< owned
     ParameterSetManager*      SetManager  = nullptr;
@@ -62,8 +62,7 @@ public:
     /// Both copy `name`, derive `Type` from it, and take `Mode` from `data`'s mode (zero
     /// without one).
     ParameterModule(char const* name, VersionUnion const& version, ModuleData* data);
-    ParameterModule(char const* name, unsigned short major, unsigned short minor, unsigned int patch,
-                    ModuleData* data);
+    ParameterModule(char const* name, unsigned short major, unsigned short minor, unsigned int patch, ModuleData* data);
     /// Frees `Name` and `Type`, nothing else.
     virtual ~ParameterModule();
     /// Instances live in the platform's tagged allocation, so that generated code may make them
@@ -75,8 +74,8 @@ public:
 
     /// Called on the default instance: the instance for one entry of the file.
     virtual ParameterModule* Create(ModuleData* data, DefaultModule* defaultModule) const = 0;
-    virtual bool             LoadModule(ParameterFileSymbolTable* table) = 0;
-    virtual void             UnloadModule() = 0;
+    virtual bool             LoadModule(ParameterFileSymbolTable* table)                  = 0;
+    virtual void             UnloadModule()                                               = 0;
     /// Text access; a module class without it answers false.
     virtual bool GetValue(char const* path, char* value, unsigned int size);
     virtual bool SetValue(char const* path, char const* value);
@@ -92,8 +91,8 @@ public:
     char*        Type = nullptr; ///< owned short form of Name; the key of DefaultModuleMap
     VersionUnion Version;        ///< the version this class was generated for
     ModeUnion    Mode;
-    ModuleData*  Data     = nullptr; ///< not owned; null for a default instance
-    bool         Loaded   = false;
+    ModuleData*  Data   = nullptr; ///< not owned; null for a default instance
+    bool         Loaded = false;
     /// Change counter that records poll; atomic, as text access raises it under a shared lock.
     std::atomic<uint32_t> Modified{0};
 };

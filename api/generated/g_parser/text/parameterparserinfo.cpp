@@ -25,8 +25,7 @@ ParameterParserInfo::ParameterParserInfo(char const* name, char const* type, dou
     ParameterUtils::DoubleToString(value, Value, sizeof(Value), precision, complete);
 }
 
-ParameterParserInfo::ParameterParserInfo(char const* name, char const* type, char const* value)
-    : Name(name), Type(type)
+ParameterParserInfo::ParameterParserInfo(char const* name, char const* type, char const* value) : Name(name), Type(type)
 {
     Orvo::OsUtils::StrLCpy(Value, (nullptr == value) ? "" : value, sizeof(Value));
 }

@@ -35,12 +35,12 @@ struct PDLIBVARK_API ParameterParserInfo
     /// An array row without a value.
     ParameterParserInfo(char const* name, char const* type, bool isArray, bool isListed, unsigned int elementCount);
 
-    char const* Name = nullptr; ///< not owned; null for the very thing that the path named
-    char const* Type = nullptr; ///< one of the type words
+    char const* Name                  = nullptr; ///< not owned; null for the very thing that the path named
+    char const* Type                  = nullptr; ///< one of the type words
     char        Value[MaxValueLength] = {};
-    uint32_t    IsArray      = 0; ///< a bool, stored in 32 bits
-    uint32_t    IsListed     = 0; ///< second array mark, a bool in 32 bits
-    uint32_t    ElementCount = 0;
+    uint32_t    IsArray               = 0; ///< a bool, stored in 32 bits
+    uint32_t    IsListed              = 0; ///< second array mark, a bool in 32 bits
+    uint32_t    ElementCount          = 0;
 };
 
 #endif // PARAMETERPARSERINFO_H

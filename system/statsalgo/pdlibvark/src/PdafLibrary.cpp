@@ -4,20 +4,20 @@
 
 namespace
 {
-const int64_t RequiredAdjCoeffSlope = 2304;
-const double DefaultDensityOfPhasePix = 2304.0;
-const uint64_t PassingConfidenceLevel = 1024;
+const int64_t  RequiredAdjCoeffSlope    = 2304;
+const double   DefaultDensityOfPhasePix = 2304.0;
+const uint64_t PassingConfidenceLevel   = 1024;
 
 // The two limits differ in magnitude by design.
-const double DefocusLowerLimit = -2147483647.0;
-const double DefocusUpperLimit = 2147483646.0;
+const double DefocusLowerLimit         = -2147483647.0;
+const double DefocusUpperLimit         = 2147483646.0;
 const double ConfidenceLevelUpperLimit = 4294967294.0;
 
 enum class Place
 {
     Before, ///< left of the first knot, or above it
     Inside,
-    After,  ///< right of the last knot, or below it
+    After, ///< right of the last knot, or below it
 };
 
 /// Where a centre lies on one axis of a grid, and the section it falls in.
@@ -52,8 +52,8 @@ AxisPosition LocateOnAxis(const uint16_t* pKnots, uint16_t knotCount, uint16_t c
 
 long Line(long x0, long x1, long y0, long y1, long at)
 {
-    long x[2] = {x0, x1};
-    long y[2] = {y0, y1};
+    long x[2]  = {x0, x1};
+    long y[2]  = {y0, y1};
     long value = 0;
     CalcAddressOnLine_slXslY(x, y, at, &value);
     return value;
@@ -82,16 +82,16 @@ struct GridQuery
 template <typename NodeValue>
 long InterpolateOnGrid(const GridQuery& grid, NodeValue nodeValue)
 {
-    const uint32_t nx = grid.countX;
-    const uint32_t ny = grid.countY;
-    auto node = [&](uint32_t index) { return static_cast<long>(nodeValue(static_cast<uint16_t>(index))); };
+    const uint32_t nx   = grid.countX;
+    const uint32_t ny   = grid.countY;
+    auto           node = [&](uint32_t index) { return static_cast<long>(nodeValue(static_cast<uint16_t>(index))); };
 
-    AxisPosition x = LocateOnAxis(grid.pX, grid.countX, grid.centreX);
-    AxisPosition y = LocateOnAxis(grid.pY, grid.countY, grid.centreY);
-    const uint32_t i = x.section;
-    const uint32_t j = y.section;
-    const long cx = grid.centreX;
-    const long cy = grid.centreY;
+    AxisPosition   x  = LocateOnAxis(grid.pX, grid.countX, grid.centreX);
+    AxisPosition   y  = LocateOnAxis(grid.pY, grid.countY, grid.centreY);
+    const uint32_t i  = x.section;
+    const uint32_t j  = y.section;
+    const long     cx = grid.centreX;
+    const long     cy = grid.centreY;
 
     // Along x on a row whose first node is rowStart, or along y on a column whose top node is columnTop.
     auto lineOnX = [&](uint32_t rowStart) {
@@ -110,18 +110,22 @@ long InterpolateOnGrid(const GridQuery& grid, NodeValue nodeValue)
         case Place::Before:
             switch (x.place)
             {
-                case Place::Before: return node(0);
-                case Place::Inside: return lineOnX(0);
-                case Place::After:  return node(nx - 1);
+                case Place::Before:
+                    return node(0);
+                case Place::Inside:
+                    return lineOnX(0);
+                case Place::After:
+                    return node(nx - 1);
             }
             break;
         case Place::Inside:
             switch (x.place)
             {
-                case Place::Before: return lineOnY(nx * j);
-                case Place::After:  return lineOnY(nx * j + nx - 1);
-                case Place::Inside:
-                {
+                case Place::Before:
+                    return lineOnY(nx * j);
+                case Place::After:
+                    return lineOnY(nx * j + nx - 1);
+                case Place::Inside: {
                     long px[2] = {grid.pX[i], grid.pX[i + 1]};
                     long py[2] = {grid.pY[j], grid.pY[j + 1]};
                     long pz[4] = {node(nx * j + i), node(nx * j + i + 1), node(nx * j + i + nx),
@@ -136,9 +140,12 @@ long InterpolateOnGrid(const GridQuery& grid, NodeValue nodeValue)
         case Place::After:
             switch (x.place)
             {
-                case Place::Before: return node(nx * (ny - 1));
-                case Place::Inside: return lineOnX(nx * (ny - 1));
-                case Place::After:  return node(nx * ny - 1);
+                case Place::Before:
+                    return node(nx * (ny - 1));
+                case Place::Inside:
+                    return lineOnX(nx * (ny - 1));
+                case Place::After:
+                    return node(nx * ny - 1);
             }
             break;
     }
@@ -163,10 +170,10 @@ bool StrictlyIncreasing(const uint16_t* pValues, uint32_t count)
 
 void job_init_output_data(PdLibOutputData_t* pOutput)
 {
-    pOutput->Defocus = 0;
-    pOutput->DefocusConfidence = PdafConfidenceRefused;
+    pOutput->Defocus                = 0;
+    pOutput->DefocusConfidence      = PdafConfidenceRefused;
     pOutput->DefocusConfidenceLevel = 0;
-    pOutput->PhaseDifference = 0;
+    pOutput->PhaseDifference        = 0;
 }
 
 long job_check_input(const PdLibInputData_t* pInput)
@@ -190,8 +197,8 @@ long job_check_input(const PdLibInputData_t* pInput)
         return -43;
     }
     // A grid without its data arrays counts as no grid: it must not be read.
-    if ((pInput->XKnotNumSlopeOffset <= 1) || (pInput->YKnotNumSlopeOffset <= 1) ||
-        (nullptr == pInput->p_SlopeData) || (nullptr == pInput->p_OffsetData))
+    if ((pInput->XKnotNumSlopeOffset <= 1) || (pInput->YKnotNumSlopeOffset <= 1) || (nullptr == pInput->p_SlopeData) ||
+        (nullptr == pInput->p_OffsetData))
     {
         return -44;
     }
@@ -292,10 +299,10 @@ long job_calc_defocus(PdLibInputData_t* pInput)
 long ThresholdAtGain(const PdLibInputData_t* pInput, uint16_t line)
 {
     DefocusOKNGThrLine_t& thresholdLine = pInput->p_DefocusOKNGThrLine[line];
-    unsigned long threshold = 0;
+    unsigned long         threshold     = 0;
     CalcAddressOnBrokenLine_ulXulY(reinterpret_cast<unsigned long*>(thresholdLine.p_AnalogGain),
-                                   reinterpret_cast<unsigned long*>(thresholdLine.p_Confidence),
-                                   thresholdLine.PointNum, pInput->ImagerAnalogGain, &threshold);
+                                   reinterpret_cast<unsigned long*>(thresholdLine.p_Confidence), thresholdLine.PointNum,
+                                   pInput->ImagerAnalogGain, &threshold);
     return static_cast<long>(threshold);
 }
 
@@ -318,13 +325,13 @@ uint64_t job_calc_defocus_confidence_level(const PdLibInputData_t* pInput, long 
         // An absent or zero threshold passes.
         return PassingConfidenceLevel;
     }
-    double density = (0 == pInput->DensityOfPhasePix) ? DefaultDensityOfPhasePix
-                                                      : static_cast<double>(pInput->DensityOfPhasePix);
+    double density =
+        (0 == pInput->DensityOfPhasePix) ? DefaultDensityOfPhasePix : static_cast<double>(pInput->DensityOfPhasePix);
     double level = static_cast<double>(pInput->ConfidenceLevel);
-    level = level * 1024.0;
-    level = level * 2304.0;
-    level = level / density;
-    level = level / static_cast<double>(threshold);
+    level        = level * 1024.0;
+    level        = level * 2304.0;
+    level        = level / density;
+    level        = level / static_cast<double>(threshold);
     return limit_defocus_confidence_level(level);
 }
 
@@ -341,8 +348,8 @@ void job_calc_phase_difference(const PdLibInputData_t* pInput, PdLibOutputData_t
 
 long calc_defocus_formula(PdLibInputData_t* pfa_InputData, unsigned short fa_Index)
 {
-    double value = static_cast<double>(pfa_InputData->p_SlopeData[fa_Index]) *
-                   static_cast<double>(pfa_InputData->AdjCoeffSlope);
+    double value =
+        static_cast<double>(pfa_InputData->p_SlopeData[fa_Index]) * static_cast<double>(pfa_InputData->AdjCoeffSlope);
     value = value * static_cast<double>(pfa_InputData->PhaseDifference);
     value = value / 2304.0;
     value = value + static_cast<double>(pfa_InputData->p_OffsetData[fa_Index]);
@@ -351,7 +358,7 @@ long calc_defocus_formula(PdLibInputData_t* pfa_InputData, unsigned short fa_Ind
 
 long PdLibGetDefocus(void* input, void* output)
 {
-    PdLibInputData_t* pInput = static_cast<PdLibInputData_t*>(input);
+    PdLibInputData_t*  pInput  = static_cast<PdLibInputData_t*>(input);
     PdLibOutputData_t* pOutput = static_cast<PdLibOutputData_t*>(output);
 
     job_init_output_data(pOutput);
@@ -365,23 +372,23 @@ long PdLibGetDefocus(void* input, void* output)
 
     if ((0 == pInput->XKnotNumDefocusOKNG) || (0 == pInput->YKnotNumDefocusOKNG))
     {
-        pOutput->DefocusConfidence = PdafConfidenceNoThreshold;
+        pOutput->DefocusConfidence      = PdafConfidenceNoThreshold;
         pOutput->DefocusConfidenceLevel = 0;
         job_calc_phase_difference(pInput, pOutput);
         return 0;
     }
     if (PdafSentinelPhaseDifference == pInput->PhaseDifference)
     {
-        pOutput->DefocusConfidence = PdafConfidenceSentinel;
+        pOutput->DefocusConfidence      = PdafConfidenceSentinel;
         pOutput->DefocusConfidenceLevel = 0;
         job_calc_phase_difference(pInput, pOutput);
         return 0;
     }
 
-    long threshold = calc_defocus_ok_ng_thr(pInput);
-    uint64_t level = job_calc_defocus_confidence_level(pInput, threshold);
+    long     threshold              = calc_defocus_ok_ng_thr(pInput);
+    uint64_t level                  = job_calc_defocus_confidence_level(pInput, threshold);
     pOutput->DefocusConfidenceLevel = level;
-    pOutput->DefocusConfidence = job_calc_defocus_confidence(level);
+    pOutput->DefocusConfidence      = job_calc_defocus_confidence(level);
     job_calc_phase_difference(pInput, pOutput);
     return 0;
 }

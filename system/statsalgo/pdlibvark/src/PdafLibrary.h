@@ -33,12 +33,12 @@ struct PdLibInputData_t
     uint16_t*             p_YAddressKnotSlopeOffset;
     int64_t               AdjCoeffSlope; ///< must be 2304
     uint64_t              ImagerAnalogGain;
-    uint16_t              XKnotNumDefocusOKNG; ///< knots across the threshold grid
-    uint16_t              YKnotNumDefocusOKNG; ///< knots down the threshold grid
+    uint16_t              XKnotNumDefocusOKNG;  ///< knots across the threshold grid
+    uint16_t              YKnotNumDefocusOKNG;  ///< knots down the threshold grid
     DefocusOKNGThrLine_t* p_DefocusOKNGThrLine; ///< threshold lines, row-major
     uint16_t*             p_XAddressKnotDefocusOKNG;
     uint16_t*             p_YAddressKnotDefocusOKNG;
-    uint64_t              DensityOfPhasePix; ///< 2304, 1152 or 576
+    uint64_t              DensityOfPhasePix;  ///< 2304, 1152 or 576
     float                 PDOffsetCorrection; ///< not used by PdLibGetDefocus
 };
 
@@ -64,10 +64,11 @@ static const int8_t PdafConfidenceSentinel    = -3;
 /// The phase difference that the sensor reports when it has none (the lowest 11-bit raw value).
 static const int64_t PdafSentinelPhaseDifference = -1024;
 
-extern "C" {
-/// input is a PdLibInputData_t*, output a PdLibOutputData_t*. Returns 0, or -40 to -53 when
-/// the input is refused, in which case the output keeps its initial values.
-PDLIBVARK_API long PdLibGetDefocus(void* input, void* output);
+extern "C"
+{
+    /// input is a PdLibInputData_t*, output a PdLibOutputData_t*. Returns 0, or -40 to -53 when
+    /// the input is refused, in which case the output keeps its initial values.
+    PDLIBVARK_API long PdLibGetDefocus(void* input, void* output);
 }
 
 /// The defocus at node fa_Index of the calibration grid, limited to the asymmetric int32 range.

@@ -32,11 +32,11 @@ void CalcAddressOnLine_slXslY(long* pf_x, long* pf_y, long f_xx, long* fp_yy)
     if (x0 > x1)
     {
         long swap = x0;
-        x0 = x1;
-        x1 = swap;
-        swap = y0;
-        y0 = y1;
-        y1 = swap;
+        x0        = x1;
+        x1        = swap;
+        swap      = y0;
+        y0        = y1;
+        y1        = swap;
     }
     if (f_xx < x0)
     {
@@ -49,10 +49,10 @@ void CalcAddressOnLine_slXslY(long* pf_x, long* pf_y, long f_xx, long* fp_yy)
         return;
     }
 
-    double value = ((static_cast<double>(y1) - static_cast<double>(y0)) *
-                    (static_cast<double>(f_xx) - static_cast<double>(x0)) /
-                    (static_cast<double>(x1) - static_cast<double>(x0))) +
-                   static_cast<double>(y0);
+    double value =
+        ((static_cast<double>(y1) - static_cast<double>(y0)) * (static_cast<double>(f_xx) - static_cast<double>(x0)) /
+         (static_cast<double>(x1) - static_cast<double>(x0))) +
+        static_cast<double>(y0);
     *fp_yy = static_cast<long>(value);
 }
 
@@ -100,8 +100,8 @@ signed char CalcAddressOnBrokenLine_ulXulY(unsigned long* pf_x, unsigned long* p
     {
         k++;
     }
-    long x[2] = {static_cast<long>(pf_x[k]), static_cast<long>(pf_x[k + 1])};
-    long y[2] = {static_cast<long>(pf_y[k]), static_cast<long>(pf_y[k + 1])};
+    long x[2]  = {static_cast<long>(pf_x[k]), static_cast<long>(pf_x[k + 1])};
+    long y[2]  = {static_cast<long>(pf_y[k]), static_cast<long>(pf_y[k + 1])};
     long value = 0;
     CalcAddressOnLine_slXslY(x, y, static_cast<long>(f_xx), &value);
     *pf_yy = (value < 0) ? 0 : static_cast<unsigned long>(value);
@@ -120,10 +120,10 @@ signed char CalcAddressOnPlane_slXslYslZ(long* pf_x, long* pf_y, long* pf_z, lon
         return -1;
     }
 
-    long top[2] = {pf_z[0], pf_z[1]};
+    long top[2]    = {pf_z[0], pf_z[1]};
     long bottom[2] = {pf_z[2], pf_z[3]};
-    long a = 0;
-    long b = 0;
+    long a         = 0;
+    long b         = 0;
     CalcAddressOnLine_slXslY(pf_x, top, f_xx, &a);
     CalcAddressOnLine_slXslY(pf_x, bottom, f_xx, &b);
 

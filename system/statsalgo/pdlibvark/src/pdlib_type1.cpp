@@ -8,14 +8,14 @@
 
 namespace
 {
-const int64_t AdjCoeffSlope = 2304;
-const uint64_t DensityOfPhasePix = 2304;
-const uint64_t ThresholdGainAxis[] = {0, 2, 5, 8};
-const float SlopeFixedPointScale = 1024.0f;
-const float PhaseUnitsPerPixel = 16.0f;
-const float PhasePixelsPerRawUnit = 0.0625f;
+const int64_t  AdjCoeffSlope         = 2304;
+const uint64_t DensityOfPhasePix     = 2304;
+const uint64_t ThresholdGainAxis[]   = {0, 2, 5, 8};
+const float    SlopeFixedPointScale  = 1024.0f;
+const float    PhaseUnitsPerPixel    = 16.0f;
+const float    PhasePixelsPerRawUnit = 0.0625f;
 const uint32_t MaxReportedConfidence = 1023;
-const int32_t MaxDefocusShift = 63;
+const int32_t  MaxDefocusShift       = 63;
 
 // ---- Float conversions. The language leaves out-of-range conversions undefined; these saturate,
 // with negative values and NaN at 0 for the unsigned ones.
@@ -60,7 +60,7 @@ int64_t TruncateToInt64(float value)
 uint16_t WindowAddress(float fraction, float imageSize, int32_t offset)
 {
     float address = fraction * imageSize;
-    address = address + static_cast<float>(offset);
+    address       = address + static_cast<float>(offset);
     return static_cast<uint16_t>(TruncateToUint32(address));
 }
 
@@ -83,7 +83,7 @@ const uint32_t RefusedAreaMode = 3;
 const uint32_t RecordSize = 5;
 // In the 48-window mode the sensor keeps the 16-wide grid: after each row of 8 records the next
 // row starts 16 records on.
-const uint32_t SkippedRowStride = 45;
+const uint32_t SkippedRowStride       = 45;
 const uint32_t RowSkippingWindowCount = 48;
 
 int32_t SignExtend(uint32_t raw, uint32_t bits)
@@ -109,7 +109,7 @@ DecodedRecord DecodeConf8Pd10(const uint8_t* pRecord)
 DecodedRecord DecodeConf11Pd11(const uint8_t* pRecord)
 {
     uint32_t confidence = (static_cast<uint32_t>(pRecord[0]) << 3) | (pRecord[1] >> 5);
-    uint32_t raw = ((pRecord[1] & 0x1Fu) << 6) | (pRecord[2] >> 2);
+    uint32_t raw        = ((pRecord[1] & 0x1Fu) << 6) | (pRecord[2] >> 2);
     return {confidence, SignExtend(raw, 11)};
 }
 
@@ -117,7 +117,7 @@ DecodedRecord DecodeConf11Pd11(const uint8_t* pRecord)
 DecodedRecord DecodeConf11Pd10(const uint8_t* pRecord)
 {
     uint32_t confidence = (static_cast<uint32_t>(pRecord[0]) << 3) | (pRecord[1] >> 5);
-    uint32_t raw = ((pRecord[1] & 0x1Fu) << 5) | (pRecord[2] >> 3);
+    uint32_t raw        = ((pRecord[1] & 0x1Fu) << 5) | (pRecord[2] >> 3);
     return {confidence, SignExtend(raw, 10)};
 }
 
@@ -131,10 +131,17 @@ bool LookUpStatsFormat(PDLibSensorPDStatsFormat format, StatsFormatInfo* pInfo)
 {
     switch (format)
     {
-        case PDLibSensorPDStatsRaw10Conf8BitPd10Bit:  *pInfo = {5, DecodeConf8Pd10}; return true;
-        case PDLibSensorPDStatsRaw10Conf11BitPd11Bit: *pInfo = {10, DecodeConf11Pd11}; return true;
-        case PDLibSensorPDStatsRaw10Conf11BitPd10Bit: *pInfo = {10, DecodeConf11Pd10}; return true;
-        default: return false;
+        case PDLibSensorPDStatsRaw10Conf8BitPd10Bit:
+            *pInfo = {5, DecodeConf8Pd10};
+            return true;
+        case PDLibSensorPDStatsRaw10Conf11BitPd11Bit:
+            *pInfo = {10, DecodeConf11Pd11};
+            return true;
+        case PDLibSensorPDStatsRaw10Conf11BitPd10Bit:
+            *pInfo = {10, DecodeConf11Pd10};
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -159,19 +166,19 @@ KelResult pdlib_type1::Initialize(const PDLibCreateParams* pCreateParams)
         return KelResultEInvalidArg;
     }
 
-    const PDLibInitParam& init = pCreateParams->initParam;
+    const PDLibInitParam&        init   = pCreateParams->initParam;
     const PDLibSensorNativeInfo& native = init.nativePatternInfo;
 
-    m_inputData.XSizeOfImage = static_cast<uint16_t>(native.originalImageWidth);
-    m_inputData.YSizeOfImage = static_cast<uint16_t>(native.originalImageHeight);
-    m_currentImageWidth = native.currentImageWidth;
-    m_currentImageHeight = native.currentImageHeight;
-    m_xOffset = native.cropRegion.x;
-    m_yOffset = native.cropRegion.y;
-    m_defocusBitShift = static_cast<int32_t>(init.defocusBitShift);
-    m_defocusConfidenceThreshold = init.defocusConfidenceThreshold;
-    m_sensorPDStatsFormat = init.sensorPDStatsFormat;
-    m_sensorOrientation = native.orientation;
+    m_inputData.XSizeOfImage       = static_cast<uint16_t>(native.originalImageWidth);
+    m_inputData.YSizeOfImage       = static_cast<uint16_t>(native.originalImageHeight);
+    m_currentImageWidth            = native.currentImageWidth;
+    m_currentImageHeight           = native.currentImageHeight;
+    m_xOffset                      = native.cropRegion.x;
+    m_yOffset                      = native.cropRegion.y;
+    m_defocusBitShift              = static_cast<int32_t>(init.defocusBitShift);
+    m_defocusConfidenceThreshold   = init.defocusConfidenceThreshold;
+    m_sensorPDStatsFormat          = init.sensorPDStatsFormat;
+    m_sensorOrientation            = native.orientation;
     m_inputData.PDOffsetCorrection = native.PDOffsetCorrection;
 
     PDAFDCCCalibrationData* pCalibration = static_cast<PDAFDCCCalibrationData*>(init.pCalibrationParam);
@@ -187,21 +194,21 @@ KelResult pdlib_type1::Initialize(const PDLibCreateParams* pCreateParams)
     {
         m_inputData.XKnotNumSlopeOffset = pCalibration->knotXCount;
         m_inputData.YKnotNumSlopeOffset = pCalibration->knotYCount;
-        const uint32_t nodeCount = static_cast<uint32_t>(pCalibration->knotXCount) * pCalibration->knotYCount;
+        const uint32_t nodeCount        = static_cast<uint32_t>(pCalibration->knotXCount) * pCalibration->knotYCount;
         for (uint32_t i = 0; i < nodeCount; i++)
         {
-            m_slopeData[i] = TruncateToInt64(pCalibration->slopeData[i] * SlopeFixedPointScale);
+            m_slopeData[i]  = TruncateToInt64(pCalibration->slopeData[i] * SlopeFixedPointScale);
             m_offsetData[i] = TruncateToInt64(pCalibration->offsetData[i]);
         }
-        m_inputData.p_SlopeData = m_slopeData;
+        m_inputData.p_SlopeData  = m_slopeData;
         m_inputData.p_OffsetData = m_offsetData;
         // Not copied: the host's calibration record must outlive the instance.
         m_inputData.p_XAddressKnotSlopeOffset = pCalibration->slopeOffsetAddressX;
         m_inputData.p_YAddressKnotSlopeOffset = pCalibration->slopeOffsetAddressY;
     }
 
-    m_inputData.AdjCoeffSlope = AdjCoeffSlope;
-    m_inputData.DensityOfPhasePix = DensityOfPhasePix;
+    m_inputData.AdjCoeffSlope       = AdjCoeffSlope;
+    m_inputData.DensityOfPhasePix   = DensityOfPhasePix;
     m_inputData.XKnotNumDefocusOKNG = ThresholdKnotsX;
     m_inputData.YKnotNumDefocusOKNG = ThresholdKnotsY;
 
@@ -213,14 +220,14 @@ KelResult pdlib_type1::Initialize(const PDLibCreateParams* pCreateParams)
     // Every line of the grid shares the same two axes.
     for (uint32_t n = 0; n < ThresholdKnotsX * ThresholdKnotsY; n++)
     {
-        m_defocusOKNGThrLine[n].PointNum = ThresholdPoints;
+        m_defocusOKNGThrLine[n].PointNum     = ThresholdPoints;
         m_defocusOKNGThrLine[n].p_AnalogGain = m_analogGain;
         m_defocusOKNGThrLine[n].p_Confidence = m_confidence;
     }
     m_inputData.p_DefocusOKNGThrLine = m_defocusOKNGThrLine;
 
     // The threshold grid covers the full image evenly, rounding down.
-    const uint32_t width = m_inputData.XSizeOfImage;
+    const uint32_t width  = m_inputData.XSizeOfImage;
     const uint32_t height = m_inputData.YSizeOfImage;
     for (uint32_t i = 0; i < ThresholdKnotsX; i++)
     {
@@ -278,8 +285,7 @@ void pdlib_type1::DumpInitializeData()
                     static_cast<int>(data.p_OffsetData[k]));
     }
 
-    PD_LOG_INFO("XKnotNumDefocusOKNG:%d, YKnotNumDefocusOKNG: %d", data.XKnotNumDefocusOKNG,
-                data.YKnotNumDefocusOKNG);
+    PD_LOG_INFO("XKnotNumDefocusOKNG:%d, YKnotNumDefocusOKNG: %d", data.XKnotNumDefocusOKNG, data.YKnotNumDefocusOKNG);
     for (uint32_t i = 0; i < data.XKnotNumDefocusOKNG; i++)
     {
         PD_LOG_INFO("     XAddressKnotDefocusOKNG[%d]: %d", i, data.p_XAddressKnotDefocusOKNG[i]);
@@ -311,8 +317,8 @@ void pdlib_type1::ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t*
         return;
     }
 
-    const uint8_t* pBytes = static_cast<const uint8_t*>(pBuffer);
-    const uint32_t winFlag = pBytes[0];
+    const uint8_t* pBytes   = static_cast<const uint8_t*>(pBuffer);
+    const uint32_t winFlag  = pBytes[0];
     const uint32_t areaMode = pBytes[1] >> 6;
     PD_LOG_VERBOSE("PDAF parsing PD stats: win_flag: %d, area_mode: %d", winFlag, areaMode);
     if (RefusedAreaMode == areaMode)
@@ -322,13 +328,13 @@ void pdlib_type1::ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t*
         return;
     }
 
-    const WindowModeInfo& mode = WindowModeTable[areaMode];
-    uint32_t cursor = format.firstRecord;
+    const WindowModeInfo& mode   = WindowModeTable[areaMode];
+    uint32_t              cursor = format.firstRecord;
     for (uint32_t i = 0; i < mode.windows; i++)
     {
-        DecodedRecord record = format.decode(pBytes + cursor);
+        DecodedRecord record      = format.decode(pBytes + cursor);
         pDefocus[i].df_conf_level = record.confidence;
-        pDefocus[i].phase_diff = static_cast<float>(record.rawPhase) * PhasePixelsPerRawUnit;
+        pDefocus[i].phase_diff    = static_cast<float>(record.rawPhase) * PhasePixelsPerRawUnit;
         PD_LOG_VERBOSE("PDAF: window %d, conf. level:%d, phase diff: %f", i, pDefocus[i].df_conf_level,
                        static_cast<double>(pDefocus[i].phase_diff));
 
@@ -342,10 +348,10 @@ void pdlib_type1::ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t*
 KelResult pdlib_type1::Process(const PDLibInputs* pInput, PDLibOutputs* pOutput)
 {
     // The engine's own state is only read during a frame.
-    PdLibInputData_t input = m_inputData;
+    PdLibInputData_t   input                    = m_inputData;
     pdaf_lib_defocus_t windows[PDMaxWindowSize] = {};
-    uint32_t horizontal = 0;
-    uint32_t vertical = 0;
+    uint32_t           horizontal               = 0;
+    uint32_t           vertical                 = 0;
 
     if ((nullptr == pInput) || (nullptr == pOutput))
     {
@@ -354,14 +360,14 @@ KelResult pdlib_type1::Process(const PDLibInputs* pInput, PDLibOutputs* pOutput)
     }
 
     const PDLibParam& param = pInput->processParam;
-    input.ImagerAnalogGain = TruncateToUint64(param.imageAnalogGain);
+    input.ImagerAnalogGain  = TruncateToUint64(param.imageAnalogGain);
     PD_LOG_VERBOSE("imageAnalogGain:%d", static_cast<int>(input.ImagerAnalogGain));
 
     ParsePd(param.pPDBuffer, windows, &horizontal, &vertical);
 
-    PDLibOutputData& output = pOutput->libOutput;
+    PDLibOutputData& output      = pOutput->libOutput;
     output.horizontalWindowCount = horizontal;
-    output.verticalWindowCount = vertical;
+    output.verticalWindowCount   = vertical;
     // Zero windows is also how a bad mode or format reaches the host.
     const uint32_t windowCount = horizontal * vertical;
     if (0 == windowCount)
@@ -372,46 +378,45 @@ KelResult pdlib_type1::Process(const PDLibInputs* pInput, PDLibOutputs* pOutput)
     // Every window of the frame is looked up at the same AF window: only phase and confidence
     // differ from window to window.
     const PDLibWindowInfo& afWindow = param.windowConfig.fixedAFWindow;
-    const float width = static_cast<float>(m_currentImageWidth);
-    const float height = static_cast<float>(m_currentImageHeight);
-    input.XAddressOfWindowStart = WindowAddress(afWindow.startX, width, m_xOffset);
-    input.YAddressOfWindowStart = WindowAddress(afWindow.startY, height, m_yOffset);
-    input.XAddressOfWindowEnd = WindowAddress(afWindow.endX, width, m_xOffset);
-    input.YAddressOfWindowEnd = WindowAddress(afWindow.endY, height, m_yOffset);
+    const float            width    = static_cast<float>(m_currentImageWidth);
+    const float            height   = static_cast<float>(m_currentImageHeight);
+    input.XAddressOfWindowStart     = WindowAddress(afWindow.startX, width, m_xOffset);
+    input.YAddressOfWindowStart     = WindowAddress(afWindow.startY, height, m_yOffset);
+    input.XAddressOfWindowEnd       = WindowAddress(afWindow.endX, width, m_xOffset);
+    input.YAddressOfWindowEnd       = WindowAddress(afWindow.endY, height, m_yOffset);
 
     // A shift beyond the width of the value only keeps its sign.
-    const int32_t shift = ((m_defocusBitShift < 0) || (m_defocusBitShift > MaxDefocusShift)) ? MaxDefocusShift
-                                                                                             : m_defocusBitShift;
+    const int32_t shift =
+        ((m_defocusBitShift < 0) || (m_defocusBitShift > MaxDefocusShift)) ? MaxDefocusShift : m_defocusBitShift;
 
     for (uint32_t i = 0; i < windowCount; i++)
     {
-        const pdaf_lib_defocus_t& window = windows[i];
-        const float phaseDiff = window.phase_diff + input.PDOffsetCorrection;
-        input.PhaseDifference = TruncateToInt64(phaseDiff * PhaseUnitsPerPixel);
-        input.ConfidenceLevel = window.df_conf_level;
-        PD_LOG_VERBOSE("(%f, %f), (%f, %f)", static_cast<double>(afWindow.startX),
-                       static_cast<double>(afWindow.startY), static_cast<double>(afWindow.endX),
-                       static_cast<double>(afWindow.endY));
+        const pdaf_lib_defocus_t& window    = windows[i];
+        const float               phaseDiff = window.phase_diff + input.PDOffsetCorrection;
+        input.PhaseDifference               = TruncateToInt64(phaseDiff * PhaseUnitsPerPixel);
+        input.ConfidenceLevel               = window.df_conf_level;
+        PD_LOG_VERBOSE("(%f, %f), (%f, %f)", static_cast<double>(afWindow.startX), static_cast<double>(afWindow.startY),
+                       static_cast<double>(afWindow.endX), static_cast<double>(afWindow.endY));
 
         PdLibOutputData_t result;
-        long rc = PdLibGetDefocus(&input, &result);
+        long              rc      = PdLibGetDefocus(&input, &result);
         PDLibDefocusInfo& defocus = output.defocus[i];
         if (0 == rc)
         {
-            defocus.defocus = static_cast<INT>(result.Defocus >> shift);
+            defocus.defocus    = static_cast<INT>(result.Defocus >> shift);
             defocus.confidence = (result.DefocusConfidenceLevel > MaxReportedConfidence)
                                      ? MaxReportedConfidence
                                      : static_cast<UINT>(result.DefocusConfidenceLevel);
-            defocus.phaseDiff = phaseDiff;
+            defocus.phaseDiff  = phaseDiff;
             PD_LOG_VERBOSE("PDAF Output Win:%d, defocus:%d, conf level:%d, phase_diff:%f, pd_offset:%f", i,
                            defocus.defocus, defocus.confidence, static_cast<double>(defocus.phaseDiff),
                            static_cast<double>(input.PDOffsetCorrection));
         }
         else
         {
-            defocus.defocus = 0;
+            defocus.defocus    = 0;
             defocus.confidence = 0;
-            defocus.phaseDiff = 0.0f;
+            defocus.phaseDiff  = 0.0f;
             PD_LOG_VERBOSE("%d: PDAF_LIB_ERROR: rc = %d, DefocusConfidence = %d", i, static_cast<int>(rc),
                            result.DefocusConfidence);
         }

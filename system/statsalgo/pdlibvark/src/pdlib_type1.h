@@ -47,24 +47,24 @@ private:
     void DumpInitializeData();
 
     static const uint32_t MaxThresholdLines = 200;
-    static const uint32_t ThresholdKnotsX = 8;
-    static const uint32_t ThresholdKnotsY = 6;
-    static const uint32_t ThresholdPoints = 4;
+    static const uint32_t ThresholdKnotsX   = 8;
+    static const uint32_t ThresholdKnotsY   = 6;
+    static const uint32_t ThresholdPoints   = 4;
 
-    PdLibInputData_t     m_inputData; ///< prepared template of each window's defocus input
-    int64_t              m_slopeData[200];  ///< calibration slopes x 1024
-    int64_t              m_offsetData[200]; ///< calibration offsets, truncated
-    DefocusOKNGThrLine_t m_defocusOKNGThrLine[MaxThresholdLines];
-    uint16_t             m_xAddressKnotDefocusOKNG[25];
-    uint16_t             m_yAddressKnotDefocusOKNG[19];
-    uint64_t             m_analogGain[ThresholdPoints];
-    uint64_t             m_confidence[ThresholdPoints];
-    uint32_t             m_currentImageWidth;
-    uint32_t             m_currentImageHeight;
-    int32_t              m_xOffset; ///< crop origin x in the full image
-    int32_t              m_yOffset; ///< crop origin y in the full image
-    int32_t              m_defocusBitShift;
-    int32_t              m_defocusConfidenceThreshold;
+    PdLibInputData_t         m_inputData;       ///< prepared template of each window's defocus input
+    int64_t                  m_slopeData[200];  ///< calibration slopes x 1024
+    int64_t                  m_offsetData[200]; ///< calibration offsets, truncated
+    DefocusOKNGThrLine_t     m_defocusOKNGThrLine[MaxThresholdLines];
+    uint16_t                 m_xAddressKnotDefocusOKNG[25];
+    uint16_t                 m_yAddressKnotDefocusOKNG[19];
+    uint64_t                 m_analogGain[ThresholdPoints];
+    uint64_t                 m_confidence[ThresholdPoints];
+    uint32_t                 m_currentImageWidth;
+    uint32_t                 m_currentImageHeight;
+    int32_t                  m_xOffset; ///< crop origin x in the full image
+    int32_t                  m_yOffset; ///< crop origin y in the full image
+    int32_t                  m_defocusBitShift;
+    int32_t                  m_defocusConfidenceThreshold;
     PDLibSensorOrientation   m_sensorOrientation;
     PDLibSensorPDStatsFormat m_sensorPDStatsFormat;
 };

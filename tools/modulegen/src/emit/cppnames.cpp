@@ -25,14 +25,14 @@ uint64_t ElementDataSize(const Member& member)
 {
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        return InfoOf(member.scalar).width;
-    case ElementKind::Enum:
-        return EnumSize;
-    case ElementKind::Record:
-        return MinimumDataSize(*member.record);
-    case ElementKind::String:
-        return PointerHeadSize;
+        case ElementKind::Scalar:
+            return InfoOf(member.scalar).width;
+        case ElementKind::Enum:
+            return EnumSize;
+        case ElementKind::Record:
+            return MinimumDataSize(*member.record);
+        case ElementKind::String:
+            return PointerHeadSize;
     }
     return 0;
 }
@@ -52,14 +52,14 @@ std::string ElementType(const Member& member, const Record& scope)
 {
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        return InfoOf(member.scalar).cppType;
-    case ElementKind::Enum:
-        return TypeName(*member.enumType, &scope, *scope.schema);
-    case ElementKind::Record:
-        return TypeName(*member.record, &scope, *scope.schema);
-    case ElementKind::String:
-        return "char*";
+        case ElementKind::Scalar:
+            return InfoOf(member.scalar).cppType;
+        case ElementKind::Enum:
+            return TypeName(*member.enumType, &scope, *scope.schema);
+        case ElementKind::Record:
+            return TypeName(*member.record, &scope, *scope.schema);
+        case ElementKind::String:
+            return "char*";
     }
     return {};
 }
@@ -100,16 +100,16 @@ uint64_t MinimumDataSize(const Record& record)
     {
         switch (member.shape)
         {
-        case Shape::Single:
-            size += ElementDataSize(member);
-            break;
-        case Shape::FixedArray:
-            size += member.arraySize * ElementDataSize(member);
-            break;
-        case Shape::Repeated:
-        case Shape::Optional:
-            size += PointerHeadSize;
-            break;
+            case Shape::Single:
+                size += ElementDataSize(member);
+                break;
+            case Shape::FixedArray:
+                size += member.arraySize * ElementDataSize(member);
+                break;
+            case Shape::Repeated:
+            case Shape::Optional:
+                size += PointerHeadSize;
+                break;
         }
     }
     return size;

@@ -26,21 +26,21 @@ void EmitElementLoad(CodeWriter& out, const Member& member, const Record& record
     const std::string assign = guarded ? "result = " : "result = result && ";
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        out.Line("PARAMETER_LOAD_SCALAR(result, " + entry + ", " + target + ", alignment);");
-        break;
-    case ElementKind::Enum:
-        out.Line(assign + ReadEnumFunction(*member.enumType, &record, *record.schema) + "(" + entry + ", " + target +
-                 ", alignment);");
-        break;
-    case ElementKind::Record:
-        out.Line(assign + target + ".Load(" + entry + ", alignment);");
-        break;
-    case ElementKind::String:
-        out.Line("PARAMETER_LOAD_SCALAR(result, " + entry + ", length, alignment);");
-        out.Line("result = result && ParameterRecordLoader::LoadString(" + entry + ", alignment, length, " + target +
-                 ");");
-        break;
+        case ElementKind::Scalar:
+            out.Line("PARAMETER_LOAD_SCALAR(result, " + entry + ", " + target + ", alignment);");
+            break;
+        case ElementKind::Enum:
+            out.Line(assign + ReadEnumFunction(*member.enumType, &record, *record.schema) + "(" + entry + ", " +
+                     target + ", alignment);");
+            break;
+        case ElementKind::Record:
+            out.Line(assign + target + ".Load(" + entry + ", alignment);");
+            break;
+        case ElementKind::String:
+            out.Line("PARAMETER_LOAD_SCALAR(result, " + entry + ", length, alignment);");
+            out.Line("result = result && ParameterRecordLoader::LoadString(" + entry + ", alignment, length, " +
+                     target + ");");
+            break;
     }
 }
 
@@ -72,19 +72,19 @@ void EmitRepeatedLoad(CodeWriter& out, const Member& member, const Record& recor
     out.Line("PARAMETER_LOAD_SCALAR(result, entry, " + member.name + "Count, alignment);");
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        out.Line("result = result && ParameterRecordLoader::LoadScalarList(" + common + ", " + site + ");");
-        break;
-    case ElementKind::Enum:
-        out.Line("result = result && ParameterRecordLoader::LoadEnumList(" + common + ", &" +
-                 ReadEnumFunction(*member.enumType, &record, *record.schema) + ", " + site + ");");
-        break;
-    case ElementKind::Record:
-        out.Line("result = result && ParameterRecordLoader::LoadRecordList(" + common + ", " + site + ");");
-        break;
-    case ElementKind::String:
-        out.Line("result = result && ParameterRecordLoader::LoadStringList(" + common + ", " + site + ");");
-        break;
+        case ElementKind::Scalar:
+            out.Line("result = result && ParameterRecordLoader::LoadScalarList(" + common + ", " + site + ");");
+            break;
+        case ElementKind::Enum:
+            out.Line("result = result && ParameterRecordLoader::LoadEnumList(" + common + ", &" +
+                     ReadEnumFunction(*member.enumType, &record, *record.schema) + ", " + site + ");");
+            break;
+        case ElementKind::Record:
+            out.Line("result = result && ParameterRecordLoader::LoadRecordList(" + common + ", " + site + ");");
+            break;
+        case ElementKind::String:
+            out.Line("result = result && ParameterRecordLoader::LoadStringList(" + common + ", " + site + ");");
+            break;
     }
 }
 
@@ -105,39 +105,41 @@ void EmitMemberUnload(CodeWriter& out, const Member& member)
     bool ownerElements = (member.kind == ElementKind::Record) && member.record->ownsMemory;
     switch (member.shape)
     {
-    case Shape::Single:
-    case Shape::Optional:
-        if (member.kind == ElementKind::String)
-        {
-            out.Line("ParameterRecordLoader::ReleaseBlock(table, " + member.name + ");");
-        }
-        else if (ownerElements)
-        {
-            out.Line(member.name + ".Unload(table);");
-        }
-        break;
-    case Shape::FixedArray:
-        if (ownerElements)
-        {
-            out.Open("for (uint32_t index = 0; index < " + std::to_string(member.arraySize) + "; ++index)");
-            out.Line(member.name + "[index].Unload(table);");
-            out.Close();
-        }
-        break;
-    case Shape::Repeated:
-        if (ownerElements)
-        {
-            out.Line("ParameterRecordLoader::ReleaseRecordList(table, " + member.name + ", " + member.name + "Count);");
-        }
-        else if (member.kind == ElementKind::String)
-        {
-            out.Line("ParameterRecordLoader::ReleaseStringList(table, " + member.name + ", " + member.name + "Count);");
-        }
-        else
-        {
-            out.Line("ParameterRecordLoader::ReleaseBlock(table, " + member.name + ");");
-        }
-        break;
+        case Shape::Single:
+        case Shape::Optional:
+            if (member.kind == ElementKind::String)
+            {
+                out.Line("ParameterRecordLoader::ReleaseBlock(table, " + member.name + ");");
+            }
+            else if (ownerElements)
+            {
+                out.Line(member.name + ".Unload(table);");
+            }
+            break;
+        case Shape::FixedArray:
+            if (ownerElements)
+            {
+                out.Open("for (uint32_t index = 0; index < " + std::to_string(member.arraySize) + "; ++index)");
+                out.Line(member.name + "[index].Unload(table);");
+                out.Close();
+            }
+            break;
+        case Shape::Repeated:
+            if (ownerElements)
+            {
+                out.Line("ParameterRecordLoader::ReleaseRecordList(table, " + member.name + ", " + member.name +
+                         "Count);");
+            }
+            else if (member.kind == ElementKind::String)
+            {
+                out.Line("ParameterRecordLoader::ReleaseStringList(table, " + member.name + ", " + member.name +
+                         "Count);");
+            }
+            else
+            {
+                out.Line("ParameterRecordLoader::ReleaseBlock(table, " + member.name + ");");
+            }
+            break;
     }
 }
 } // namespace
@@ -211,18 +213,18 @@ void EmitLoad(CodeWriter& out, const Record& record)
     {
         switch (member.shape)
         {
-        case Shape::Single:
-            EmitElementLoad(out, member, record, member.name, "entry");
-            break;
-        case Shape::FixedArray:
-            EmitFixedArrayLoad(out, member, record);
-            break;
-        case Shape::Repeated:
-            EmitRepeatedLoad(out, member, record);
-            break;
-        case Shape::Optional:
-            EmitOptionalLoad(out, member, record);
-            break;
+            case Shape::Single:
+                EmitElementLoad(out, member, record, member.name, "entry");
+                break;
+            case Shape::FixedArray:
+                EmitFixedArrayLoad(out, member, record);
+                break;
+            case Shape::Repeated:
+                EmitRepeatedLoad(out, member, record);
+                break;
+            case Shape::Optional:
+                EmitOptionalLoad(out, member, record);
+                break;
         }
     }
     out.Line("return result;");

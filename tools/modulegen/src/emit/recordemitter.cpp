@@ -16,22 +16,22 @@ void AddMemberRows(const Member& member, const Record& record, Rows* rows)
     const std::string type = ElementType(member, record);
     switch (member.shape)
     {
-    case Shape::Single:
-        rows->push_back({type, member.name + ";"});
-        break;
-    case Shape::FixedArray:
-        rows->push_back({type, member.name + "[" + std::to_string(member.arraySize) + "];"});
-        break;
-    case Shape::Repeated:
-        rows->push_back({"uint32_t", member.name + "Count; ///< number of elements"});
-        rows->push_back({"uint32_t", member.name + "ID; ///< entry id of the elements"});
-        rows->push_back({type + "*", member.name + ";"});
-        break;
-    case Shape::Optional:
-        rows->push_back({"uint32_t", member.name + "Exists; ///< present when non-zero"});
-        rows->push_back({"uint32_t", member.name + "ID; ///< entry id of the record that holds the flag"});
-        rows->push_back({type, member.name + ";"});
-        break;
+        case Shape::Single:
+            rows->push_back({type, member.name + ";"});
+            break;
+        case Shape::FixedArray:
+            rows->push_back({type, member.name + "[" + std::to_string(member.arraySize) + "];"});
+            break;
+        case Shape::Repeated:
+            rows->push_back({"uint32_t", member.name + "Count; ///< number of elements"});
+            rows->push_back({"uint32_t", member.name + "ID; ///< entry id of the elements"});
+            rows->push_back({type + "*", member.name + ";"});
+            break;
+        case Shape::Optional:
+            rows->push_back({"uint32_t", member.name + "Exists; ///< present when non-zero"});
+            rows->push_back({"uint32_t", member.name + "ID; ///< entry id of the record that holds the flag"});
+            rows->push_back({type, member.name + ";"});
+            break;
     }
 }
 

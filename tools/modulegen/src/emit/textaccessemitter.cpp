@@ -16,14 +16,14 @@ std::string TypeWord(const Member& member)
 {
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        return InfoWordConstant(InfoOf(member.scalar).infoWord);
-    case ElementKind::Enum:
-        return InfoWordConstant("Enum");
-    case ElementKind::Record:
-        return InfoWordConstant("Structure");
-    case ElementKind::String:
-        return InfoWordConstant("String");
+        case ElementKind::Scalar:
+            return InfoWordConstant(InfoOf(member.scalar).infoWord);
+        case ElementKind::Enum:
+            return InfoWordConstant("Enum");
+        case ElementKind::Record:
+            return InfoWordConstant("Structure");
+        case ElementKind::String:
+            return InfoWordConstant("String");
     }
     return {};
 }
@@ -48,17 +48,17 @@ std::string RowOf(const Member& member, const std::string& name)
     }
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ", static_cast<double>(" + member.name +
-               "), " + (InfoOf(member.scalar).floating ? "10" : "0") + ")";
-    case ElementKind::Enum:
-        return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ", static_cast<double>(" + member.name +
-               "), 0)";
-    case ElementKind::String:
-        return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ", (nullptr == " + member.name +
-               ") ? \"\" : " + member.name + ")";
-    case ElementKind::Record:
-        return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ")";
+        case ElementKind::Scalar:
+            return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ", static_cast<double>(" + member.name +
+                   "), " + (InfoOf(member.scalar).floating ? "10" : "0") + ")";
+        case ElementKind::Enum:
+            return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ", static_cast<double>(" + member.name +
+                   "), 0)";
+        case ElementKind::String:
+            return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ", (nullptr == " + member.name +
+                   ") ? \"\" : " + member.name + ")";
+        case ElementKind::Record:
+            return "ParameterParserInfo(" + name + ", " + TypeWord(member) + ")";
     }
     return {};
 }

@@ -21,30 +21,29 @@ public:
     {
         switch (event)
         {
-        case Event::object_start:
-            m_frames.push_back(Frame{false, 0, {}, {}});
-            break;
-        case Event::array_start:
-            m_frames.push_back(Frame{true, 0, {}, {}});
-            break;
-        case Event::key:
-        {
-            Frame& frame = m_frames.back();
-            frame.key    = parsed.get<std::string>();
-            if (!frame.keys.insert(frame.key).second)
-            {
-                return CurrentPath();
+            case Event::object_start:
+                m_frames.push_back(Frame{false, 0, {}, {}});
+                break;
+            case Event::array_start:
+                m_frames.push_back(Frame{true, 0, {}, {}});
+                break;
+            case Event::key: {
+                Frame& frame = m_frames.back();
+                frame.key    = parsed.get<std::string>();
+                if (!frame.keys.insert(frame.key).second)
+                {
+                    return CurrentPath();
+                }
+                break;
             }
-            break;
-        }
-        case Event::object_end:
-        case Event::array_end:
-            m_frames.pop_back();
-            CountElement();
-            break;
-        case Event::value:
-            CountElement();
-            break;
+            case Event::object_end:
+            case Event::array_end:
+                m_frames.pop_back();
+                CountElement();
+                break;
+            case Event::value:
+                CountElement();
+                break;
         }
         return {};
     }
@@ -94,8 +93,7 @@ bool ReadJsonFile(const std::string& path, const std::string& displayPath, nlohm
 
     PathTracker tracker;
     size_t      before   = sink.Count();
-    auto        callback = [&](int, nlohmann::ordered_json::parse_event_t event, nlohmann::ordered_json& parsed)
-    {
+    auto        callback = [&](int, nlohmann::ordered_json::parse_event_t event, nlohmann::ordered_json& parsed) {
         std::string duplicate = tracker.OnEvent(event, parsed);
         if (!duplicate.empty())
         {

@@ -25,11 +25,10 @@ constexpr ScalarInfo Scalars[] = {
 
 bool StartsWithNoCase(std::string_view text, std::string_view prefix)
 {
-    return (text.size() >= prefix.size()) && std::equal(prefix.begin(), prefix.end(), text.begin(),
-                                                        [](char left, char right) {
-                                                            return std::tolower(static_cast<unsigned char>(left)) ==
-                                                                   std::tolower(static_cast<unsigned char>(right));
-                                                        });
+    return (text.size() >= prefix.size()) &&
+           std::equal(prefix.begin(), prefix.end(), text.begin(), [](char left, char right) {
+               return std::tolower(static_cast<unsigned char>(left)) == std::tolower(static_cast<unsigned char>(right));
+           });
 }
 
 template <typename T>

@@ -43,12 +43,12 @@ std::vector<std::string> CompanionNames(const Member& member)
 {
     switch (member.shape)
     {
-    case Shape::Repeated:
-        return {member.name + "Count", member.name + "ID"};
-    case Shape::Optional:
-        return {member.name + "Exists", member.name + "ID"};
-    default:
-        return {};
+        case Shape::Repeated:
+            return {member.name + "Count", member.name + "ID"};
+        case Shape::Optional:
+            return {member.name + "Exists", member.name + "ID"};
+        default:
+            return {};
     }
 }
 
@@ -191,12 +191,10 @@ private:
                   "top record '" + module.topName + "' is not declared at namespace level");
             return;
         }
-        bool hasVersion = std::any_of(module.top->members.begin(), module.top->members.end(),
-                                      [](const Member& m)
-                                      {
-                                          return (m.name == "module_version") && (m.shape == Shape::Single) &&
-                                                 (nullptr != m.record) && (m.record->name == "module_versionStruct");
-                                      });
+        bool hasVersion = std::any_of(module.top->members.begin(), module.top->members.end(), [](const Member& m) {
+            return (m.name == "module_version") && (m.shape == Shape::Single) && (nullptr != m.record) &&
+                   (m.record->name == "module_versionStruct");
+        });
         if (!hasVersion)
         {
             Error(schema.path, module.top->jsonPath,
@@ -214,8 +212,7 @@ private:
     void CheckUseCycles()
     {
         std::map<const Schema*, int>       state; // 1 visiting, 2 done
-        std::function<bool(const Schema*)> visit = [&](const Schema* schema)
-        {
+        std::function<bool(const Schema*)> visit = [&](const Schema* schema) {
             if (2 == state[schema])
             {
                 return true;
@@ -249,10 +246,9 @@ private:
     bool CheckRecordCycles()
     {
         std::map<const Record*, int>                                    state; // 1 visiting, 2 done
-        bool                                                            fine = true;
-        std::function<void(const Record*, std::vector<const Record*>&)> visit =
-            [&](const Record* record, std::vector<const Record*>& path)
-        {
+        bool                                                            fine  = true;
+        std::function<void(const Record*, std::vector<const Record*>&)> visit = [&](const Record*               record,
+                                                                                    std::vector<const Record*>& path) {
             if (2 == state[record])
             {
                 return;
@@ -461,15 +457,11 @@ private:
         }
 
         // Registration follows the catalogue; without one, schema files in name order.
-        std::stable_sort(candidates.begin(), candidates.end(),
-                         [&](const Candidate& left, const Candidate& right)
-                         {
-                             size_t leftIndex =
-                                 orderIndex.count(left.name) ? orderIndex[left.name] : manager.order.size();
-                             size_t rightIndex =
-                                 orderIndex.count(right.name) ? orderIndex[right.name] : manager.order.size();
-                             return leftIndex < rightIndex;
-                         });
+        std::stable_sort(candidates.begin(), candidates.end(), [&](const Candidate& left, const Candidate& right) {
+            size_t leftIndex  = orderIndex.count(left.name) ? orderIndex[left.name] : manager.order.size();
+            size_t rightIndex = orderIndex.count(right.name) ? orderIndex[right.name] : manager.order.size();
+            return leftIndex < rightIndex;
+        });
         for (const Candidate& candidate : candidates)
         {
             manager.registrations.push_back({candidate.name, candidate.schema});

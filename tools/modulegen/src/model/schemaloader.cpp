@@ -126,9 +126,9 @@ bool FindSchemaFiles(const std::string& root, std::vector<SchemaFile>* files, st
             return false;
         }
     }
-    std::sort(found.begin(), found.end(),
-              [](const SchemaFile& left, const SchemaFile& right)
-              { return (left.folder != right.folder) ? left.folder < right.folder : left.stem < right.stem; });
+    std::sort(found.begin(), found.end(), [](const SchemaFile& left, const SchemaFile& right) {
+        return (left.folder != right.folder) ? left.folder < right.folder : left.stem < right.stem;
+    });
     *files = std::move(found);
     return true;
 }

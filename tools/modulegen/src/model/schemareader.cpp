@@ -15,7 +15,6 @@ using Json = nlohmann::ordered_json;
 const char* const ModuleVersionStruct    = "module_versionStruct";
 const char* const ParameterVersionStruct = "parameter_versionStruct";
 
-
 /// Reads the parts of one file. Every refusal is reported with the JSON pointer of the value it
 /// concerns, and reading goes on where it can, so that one run shows all problems of a file.
 class DocumentReader

@@ -60,9 +60,8 @@ bool EncodeModule(const modulegen::Schema& schema, const Json& values, const std
     // A file of the module holds the version its class reads; the source need not repeat it.
     const modulegen::Version& version = schema.module->version;
     Json                      filled  = values;
-    filled[VersionMember] = Json{{"major_revision", version.major},
-                                 {"minor_revision", version.minor},
-                                 {"incr_revision", version.patch}};
+    filled[VersionMember] =
+        Json{{"major_revision", version.major}, {"minor_revision", version.minor}, {"incr_revision", version.patch}};
     return EncodeRecord(*schema.module->top, filled, path, out, errors);
 }
 } // namespace tuningencoder

@@ -15,18 +15,18 @@ void AppendScalar(unsigned width, uint64_t bits, DataBuilder* out)
 {
     switch (width)
     {
-    case 1:
-        out->U8(static_cast<uint8_t>(bits));
-        break;
-    case 2:
-        out->U16(static_cast<uint16_t>(bits));
-        break;
-    case 4:
-        out->U32(static_cast<uint32_t>(bits));
-        break;
-    default:
-        out->U64(bits);
-        break;
+        case 1:
+            out->U8(static_cast<uint8_t>(bits));
+            break;
+        case 2:
+            out->U16(static_cast<uint16_t>(bits));
+            break;
+        case 4:
+            out->U32(static_cast<uint32_t>(bits));
+            break;
+        default:
+            out->U64(bits);
+            break;
     }
 }
 
@@ -42,18 +42,18 @@ void AppendScalarBlock(unsigned width, const std::vector<uint64_t>& bits, bool r
 {
     switch (width)
     {
-    case 1:
-        repeated ? out->Repeated(Narrowed<uint8_t>(bits)) : out->FixedArray(Narrowed<uint8_t>(bits));
-        break;
-    case 2:
-        repeated ? out->Repeated(Narrowed<uint16_t>(bits)) : out->FixedArray(Narrowed<uint16_t>(bits));
-        break;
-    case 4:
-        repeated ? out->Repeated(Narrowed<uint32_t>(bits)) : out->FixedArray(Narrowed<uint32_t>(bits));
-        break;
-    default:
-        repeated ? out->Repeated(bits) : out->FixedArray(bits);
-        break;
+        case 1:
+            repeated ? out->Repeated(Narrowed<uint8_t>(bits)) : out->FixedArray(Narrowed<uint8_t>(bits));
+            break;
+        case 2:
+            repeated ? out->Repeated(Narrowed<uint16_t>(bits)) : out->FixedArray(Narrowed<uint16_t>(bits));
+            break;
+        case 4:
+            repeated ? out->Repeated(Narrowed<uint32_t>(bits)) : out->FixedArray(Narrowed<uint32_t>(bits));
+            break;
+        default:
+            repeated ? out->Repeated(bits) : out->FixedArray(bits);
+            break;
     }
 }
 } // namespace
@@ -68,7 +68,8 @@ void RecordEncoder::Record(const modulegen::Record& record, const Json* values, 
 {
     if ((nullptr != values) && !values->is_object())
     {
-        Fail(path, "expected an object of the members of " + record.ScopedName() + ", not " + modulegen::JsonKindName(*values));
+        Fail(path, "expected an object of the members of " + record.ScopedName() + ", not " +
+                       modulegen::JsonKindName(*values));
         values = nullptr;
     }
     if (nullptr != values)
@@ -111,18 +112,18 @@ void RecordEncoder::Member(const modulegen::Member& member, const Json* value, c
 {
     switch (member.shape)
     {
-    case Shape::Single:
-        Element(member, value, path, out);
-        break;
-    case Shape::FixedArray:
-        FixedArray(member, value, path, out);
-        break;
-    case Shape::Repeated:
-        Repeated(member, value, path, out);
-        break;
-    case Shape::Optional:
-        Optional(member, value, path, out);
-        break;
+        case Shape::Single:
+            Element(member, value, path, out);
+            break;
+        case Shape::FixedArray:
+            FixedArray(member, value, path, out);
+            break;
+        case Shape::Repeated:
+            Repeated(member, value, path, out);
+            break;
+        case Shape::Optional:
+            Optional(member, value, path, out);
+            break;
     }
 }
 
@@ -143,8 +144,9 @@ void RecordEncoder::FixedArray(const modulegen::Member& member, const Json* valu
     const bool usable = (nullptr == value) || (value->is_array() && (value->size() == member.arraySize));
     if (!usable)
     {
-        Fail(path, "expected an array of " + std::to_string(member.arraySize) + " elements, not " +
-                       (value->is_array() ? "one of " + std::to_string(value->size()) : modulegen::JsonKindName(*value)));
+        Fail(path,
+             "expected an array of " + std::to_string(member.arraySize) + " elements, not " +
+                 (value->is_array() ? "one of " + std::to_string(value->size()) : modulegen::JsonKindName(*value)));
     }
     for (uint32_t index = 0; index < member.arraySize; ++index)
     {
@@ -197,22 +199,22 @@ void RecordEncoder::Element(const modulegen::Member& member, const Json* value, 
 {
     switch (member.kind)
     {
-    case ElementKind::Scalar:
-        AppendScalar(modulegen::InfoOf(member.scalar).width, ScalarElement(member, value, path), out);
-        break;
-    case ElementKind::Enum:
-        out->Enum(EnumElement(member, value, path));
-        break;
-    case ElementKind::Record:
-        Record(*member.record, value, path, out);
-        break;
-    case ElementKind::String:
-        if ((nullptr != value) && !value->is_string())
-        {
-            Fail(path, "expected a string, not " + modulegen::JsonKindName(*value));
-        }
-        out->String(((nullptr != value) && value->is_string()) ? value->get<std::string>() : std::string());
-        break;
+        case ElementKind::Scalar:
+            AppendScalar(modulegen::InfoOf(member.scalar).width, ScalarElement(member, value, path), out);
+            break;
+        case ElementKind::Enum:
+            out->Enum(EnumElement(member, value, path));
+            break;
+        case ElementKind::Record:
+            Record(*member.record, value, path, out);
+            break;
+        case ElementKind::String:
+            if ((nullptr != value) && !value->is_string())
+            {
+                Fail(path, "expected a string, not " + modulegen::JsonKindName(*value));
+            }
+            out->String(((nullptr != value) && value->is_string()) ? value->get<std::string>() : std::string());
+            break;
     }
 }
 

@@ -34,8 +34,8 @@ private:
                   tuningfile::DataBuilder* out);
 
     /// One element of the member's kind, in the form it takes in line.
-    void Element(const modulegen::Member& member, const Json* value, const std::string& path,
-                 tuningfile::DataBuilder* out);
+    void     Element(const modulegen::Member& member, const Json* value, const std::string& path,
+                     tuningfile::DataBuilder* out);
     uint64_t ScalarElement(const modulegen::Member& member, const Json* value, const std::string& path);
     uint32_t EnumElement(const modulegen::Member& member, const Json* value, const std::string& path);
 

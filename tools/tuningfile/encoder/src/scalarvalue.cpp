@@ -31,19 +31,19 @@ WholeRange RangeOf(modulegen::ScalarType type)
     using modulegen::ScalarType;
     switch (type)
     {
-    case ScalarType::UInt8:
-        return {0, UINT8_MAX, "0 to 255"};
-    case ScalarType::UInt16:
-        return {0, UINT16_MAX, "0 to 65535"};
-    case ScalarType::UInt32:
-        return {0, UINT32_MAX, "0 to 4294967295"};
-    case ScalarType::Int32:
-    case ScalarType::Boolean:
-        return {uint64_t{1} << 31, INT32_MAX, "-2147483648 to 2147483647"};
-    case ScalarType::Int64:
-        return {uint64_t{1} << 63, INT64_MAX, "-9223372036854775808 to 9223372036854775807"};
-    default:
-        return {0, UINT64_MAX, "0 to 18446744073709551615"};
+        case ScalarType::UInt8:
+            return {0, UINT8_MAX, "0 to 255"};
+        case ScalarType::UInt16:
+            return {0, UINT16_MAX, "0 to 65535"};
+        case ScalarType::UInt32:
+            return {0, UINT32_MAX, "0 to 4294967295"};
+        case ScalarType::Int32:
+        case ScalarType::Boolean:
+            return {uint64_t{1} << 31, INT32_MAX, "-2147483648 to 2147483647"};
+        case ScalarType::Int64:
+            return {uint64_t{1} << 63, INT64_MAX, "-9223372036854775808 to 9223372036854775807"};
+        default:
+            return {0, UINT64_MAX, "0 to 18446744073709551615"};
     }
 }
 
@@ -122,8 +122,8 @@ std::optional<uint64_t> WholeBits(modulegen::ScalarType type, const Json& value,
     {
         return value.get<bool>() ? 1 : 0;
     }
-    const WholeRange range = RangeOf(type);
-    const char*      word  = modulegen::InfoOf(type).word;
+    const WholeRange           range  = RangeOf(type);
+    const char*                word   = modulegen::InfoOf(type).word;
     std::optional<WholeNumber> number = ParseWholeNumber(value);
     if (!number)
     {

@@ -38,7 +38,7 @@ public:
             Array,   ///< `bytes`, padded up to a whole number of alignment units
             Pointer, ///< `value` (length, count or present flag), then the entry id of `target`
         };
-        Kind                               kind = Kind::Scalar;
+        Kind                               kind  = Kind::Scalar;
         uint8_t                            width = 0;
         uint64_t                           value = 0;
         std::vector<uint8_t>               bytes;
