@@ -395,10 +395,16 @@ TEST_F(StoreLoad, BufferSizeAgainstTheHeader)
         EXPECT_EQ(1u, m_log.Count("Failed to read 8 bytes from binary file offset 152, length 100\n"));
     }
     {
-        // The check value closes the file's own bytes: what follows them in a buffer is no part.
+        // The check value closes the whole image, whatever dataSize says: an image longer than
+        // dataSize loads when its last four bytes close all of it, and fails on damage past dataSize.
         image.resize(size + 64, 0xEE);
+        Restamp(image);
         TestSetManager manager;
         EXPECT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
+        image[size + 10] ^= 0x01;
+        TestSetManager damaged;
+        EXPECT_FALSE(damaged.LoadBinaryParameters(image.data(), image.size()));
+        EXPECT_EQ(1u, m_log.Count("Binary file CRC validation failed. Expected: "));
     }
     {
         uint8_t        byte = 0;

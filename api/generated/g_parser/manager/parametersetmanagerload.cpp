@@ -256,10 +256,8 @@ bool ParameterSetManager::ReadHeader(unsigned char* buffer, unsigned int length,
     }
 
     *alignment = AlignmentOf(m_version);
-    // The check value closes the file's own bytes, so a longer buffer is accepted; a shorter
-    // one (compressed files only) is checked as far as it goes, never past its end.
-    unsigned int checked = (length < dataSize) ? length : dataSize;
-    if (!ParameterBinaryFile::ValidateCRC(buffer, checked, this))
+    // The check value closes the whole image handed in, whatever dataSize says.
+    if (!ParameterBinaryFile::ValidateCRC(buffer, length, this))
     {
         // Required: the text already recorded is logged again, whatever it is.
         SetError(m_errorText, nullptr);
