@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -283,6 +284,25 @@ TEST_F(EngineTest, UnknownFormatOrNoInitializeGivesZeroWindows)
     const std::unique_ptr<PDLibOutputs> pPristine = pdtest::MakePatternedOutputs();
     EXPECT_EQ(0, std::memcmp(pPristine->libOutput.defocus, m_pOutputs->libOutput.defocus,
                              sizeof(pPristine->libOutput.defocus)));
+}
+
+TEST_F(EngineTest, TheHostsBufferSizeBoundsTheFrame)
+{
+    ASSERT_EQ(KelResultSuccess, StartFlat(EngineConfig(), 0.0F));
+    // A format-2 buffer of 50 bytes that says mode 0 (192 windows) in a block of its own size.
+    std::vector<uint8_t> bytes(m_buffer.Bytes(), m_buffer.Bytes() + 50);
+    bytes[1]                           = 0x00;
+    m_inputs                           = pdtest::MakeInputs(m_buffer, {0.0F, 0.0F, 0.5F, 0.5F}, 1.0F);
+    m_inputs.processParam.pPDBuffer    = reinterpret_cast<UINT16*>(bytes.data());
+    m_inputs.processParam.PDBufferSize = bytes.size();
+    EXPECT_EQ(KelResultSuccess, m_pEngine->Process(&m_inputs, m_pOutputs.get()));
+    EXPECT_EQ(0U, m_pOutputs->libOutput.horizontalWindowCount * m_pOutputs->libOutput.verticalWindowCount);
+    EXPECT_EQ(1U, m_log.Count("() PD buffer too small: 50 bytes, win_mode 0 needs 970"));
+
+    // Mode 2 fits: its eight windows are computed.
+    bytes[1] = Mode2;
+    EXPECT_EQ(KelResultSuccess, m_pEngine->Process(&m_inputs, m_pOutputs.get()));
+    EXPECT_EQ(8U, m_pOutputs->libOutput.horizontalWindowCount);
 }
 
 TEST_F(EngineTest, ThresholdOfZeroOrBelowPassesEveryWindow)

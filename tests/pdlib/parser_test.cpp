@@ -3,6 +3,8 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -29,8 +31,18 @@ class ParserTest : public testing::Test
 {
 protected:
     /// Parses with an engine initialised for the format; records start out patterned, so
-    /// that what the parser leaves alone shows.
+    /// that what the parser leaves alone shows. A size of 0 leaves the read unbounded.
     std::unique_ptr<Parsed> Parse(PDLibSensorPDStatsFormat format, StatBuffer& buffer)
+    {
+        return Parse(format, buffer.Bytes(), 0);
+    }
+
+    std::unique_ptr<Parsed> ParseSized(PDLibSensorPDStatsFormat format, std::vector<uint8_t>& bytes)
+    {
+        return Parse(format, bytes.data(), bytes.size());
+    }
+
+    std::unique_ptr<Parsed> Parse(PDLibSensorPDStatsFormat format, uint8_t* pBytes, size_t size)
     {
         pdtest::EngineConfig config;
         config.format                              = format;
@@ -39,7 +51,7 @@ protected:
         EXPECT_EQ(KelResultSuccess, pEngine->Initialize(pParams.get()));
         auto pParsed = std::make_unique<Parsed>();
         std::memset(pParsed->windows, 0xA5, sizeof(pParsed->windows));
-        pEngine->ParsePd(buffer.Bytes(), pParsed->windows, &pParsed->horizontal, &pParsed->vertical);
+        pEngine->ParsePd(pBytes, pParsed->windows, &pParsed->horizontal, &pParsed->vertical, size);
         return pParsed;
     }
 
@@ -153,6 +165,45 @@ TEST_F(ParserTest, Mode3AndUnsupportedFormatsAreRefusedBeforeAnyWindow)
                   testsupport::LogCapture::MessageOf(errors[0].text));
         EXPECT_EQ(OrvoLogError, errors[0].level);
     }
+}
+
+TEST_F(ParserTest, ASizedBufferIsReadUpToTheModesLastRecordAndNoFurther)
+{
+    // Bytes from the first record to the end of the last: mode 1 keeps the 16-wide rows.
+    const std::pair<uint8_t, size_t> modes[] = {{0x00, 960}, {0x40, 440}, {0x80, 40}};
+    for (PDLibSensorPDStatsFormat format : AllFormats)
+    {
+        for (const auto& mode : modes)
+        {
+            StatBuffer   buffer(format, mode.first);
+            const size_t end = buffer.RecordStart() + mode.second;
+            SCOPED_TRACE(testing::Message() << "format " << format << ", byte 1 " << int{mode.first} << ", " << end);
+            // Heap blocks of the exact size: a read past them is caught.
+            std::vector<uint8_t> exact(buffer.Bytes(), buffer.Bytes() + end);
+            EXPECT_NE(0U, ParseSized(format, exact)->horizontal);
+
+            m_log.Clear();
+            std::vector<uint8_t>    shorter(buffer.Bytes(), buffer.Bytes() + end - 1);
+            std::unique_ptr<Parsed> parsed = ParseSized(format, shorter);
+            EXPECT_EQ(0U, parsed->horizontal);
+            EXPECT_EQ(0U, parsed->vertical);
+            EXPECT_EQ(0xA5A5A5A5U, parsed->windows[0].df_conf_level);
+            std::vector<testsupport::CapturedLine> errors = m_log.Matching("[ERROR]");
+            ASSERT_EQ(1U, errors.size());
+            EXPECT_EQ("PD buffer too small: " + std::to_string(end - 1) + " bytes, win_mode " +
+                          std::to_string(mode.first >> 6) + " needs " + std::to_string(end),
+                      testsupport::LogCapture::MessageOf(errors[0].text));
+        }
+    }
+    // One byte cannot even hold the mode; a format-2 buffer of 50 bytes holds mode 2, not mode 0.
+    m_log.Clear();
+    std::vector<uint8_t> oneByte(1, 0);
+    EXPECT_EQ(0U, ParseSized(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, oneByte)->horizontal);
+    EXPECT_EQ(1U, m_log.Count("PD buffer too small: 1 bytes, the header needs 2"));
+    std::vector<uint8_t> fifty(50, 0);
+    EXPECT_EQ(0U, ParseSized(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, fifty)->horizontal);
+    fifty[1] = 0x80;
+    EXPECT_EQ(8U, ParseSized(PDLibSensorPDStatsRaw10Conf11BitPd11Bit, fifty)->horizontal);
 }
 
 TEST_F(ParserTest, OnlyBits7And6OfByte1SelectTheMode)

@@ -145,6 +145,25 @@ bool LookUpStatsFormat(PDLibSensorPDStatsFormat format, StatsFormatInfo* pInfo)
     }
 }
 
+// Where the record after window `index`'s starts.
+uint32_t NextRecordOffset(const WindowModeInfo& mode, uint32_t index, uint32_t offset)
+{
+    // The test is on the count 48, not on the mode number.
+    bool endOfSkippedRow = (RowSkippingWindowCount == mode.windows) && (7 == (index & 7));
+    return offset + (endOfSkippedRow ? SkippedRowStride : RecordSize);
+}
+
+// How many bytes the buffer needs to hold every record of the mode.
+uint32_t RecordsEnd(const StatsFormatInfo& format, const WindowModeInfo& mode)
+{
+    uint32_t offset = format.firstRecord;
+    for (uint32_t i = 0; i + 1 < mode.windows; i++)
+    {
+        offset = NextRecordOffset(mode, i, offset);
+    }
+    return offset + RecordSize;
+}
+
 void ReportCounts(uint32_t* pHorizontalCount, uint32_t* pVerticalCount, uint32_t horizontal, uint32_t vertical)
 {
     if (nullptr != pHorizontalCount)
@@ -307,12 +326,19 @@ void pdlib_type1::DumpInitializeData()
 }
 
 void pdlib_type1::ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t* pHorizontalCount,
-                          uint32_t* pVerticalCount)
+                          uint32_t* pVerticalCount, SIZE_T bufferSize)
 {
     StatsFormatInfo format;
     if (!LookUpStatsFormat(m_sensorPDStatsFormat, &format))
     {
         PD_LOG_ERROR("unsupported PD data type");
+        ReportCounts(pHorizontalCount, pVerticalCount, 0, 0);
+        return;
+    }
+    // Safe variant: a buffer the host sized is never read past its end.
+    if ((0 != bufferSize) && (bufferSize < 2))
+    {
+        PD_LOG_ERROR("PD buffer too small: %zu bytes, the header needs 2", static_cast<size_t>(bufferSize));
         ReportCounts(pHorizontalCount, pVerticalCount, 0, 0);
         return;
     }
@@ -328,8 +354,16 @@ void pdlib_type1::ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t*
         return;
     }
 
-    const WindowModeInfo& mode   = WindowModeTable[areaMode];
-    uint32_t              cursor = format.firstRecord;
+    const WindowModeInfo& mode = WindowModeTable[areaMode];
+    if ((0 != bufferSize) && (bufferSize < RecordsEnd(format, mode)))
+    {
+        PD_LOG_ERROR("PD buffer too small: %zu bytes, win_mode %d needs %u", static_cast<size_t>(bufferSize), areaMode,
+                     RecordsEnd(format, mode));
+        ReportCounts(pHorizontalCount, pVerticalCount, 0, 0);
+        return;
+    }
+
+    uint32_t cursor = format.firstRecord;
     for (uint32_t i = 0; i < mode.windows; i++)
     {
         DecodedRecord record      = format.decode(pBytes + cursor);
@@ -337,10 +371,7 @@ void pdlib_type1::ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t*
         pDefocus[i].phase_diff    = static_cast<float>(record.rawPhase) * PhasePixelsPerRawUnit;
         PD_LOG_VERBOSE("PDAF: window %d, conf. level:%d, phase diff: %f", i, pDefocus[i].df_conf_level,
                        static_cast<double>(pDefocus[i].phase_diff));
-
-        // The test is on the count 48, not on the mode number.
-        bool endOfSkippedRow = (RowSkippingWindowCount == mode.windows) && (7 == (i & 7));
-        cursor += endOfSkippedRow ? SkippedRowStride : RecordSize;
+        cursor = NextRecordOffset(mode, i, cursor);
     }
     ReportCounts(pHorizontalCount, pVerticalCount, mode.horizontal, mode.vertical);
 }
@@ -363,7 +394,7 @@ KelResult pdlib_type1::Process(const PDLibInputs* pInput, PDLibOutputs* pOutput)
     input.ImagerAnalogGain  = TruncateToUint64(param.imageAnalogGain);
     PD_LOG_VERBOSE("imageAnalogGain:%d", static_cast<int>(input.ImagerAnalogGain));
 
-    ParsePd(param.pPDBuffer, windows, &horizontal, &vertical);
+    ParsePd(param.pPDBuffer, windows, &horizontal, &vertical, param.PDBufferSize);
 
     PDLibOutputData& output      = pOutput->libOutput;
     output.horizontalWindowCount = horizontal;

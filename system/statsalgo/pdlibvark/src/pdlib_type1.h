@@ -40,8 +40,11 @@ public:
     KelResult Destroy();
 
     /// Decodes the statistic buffer into up to 192 window records. The counts, where asked for,
-    /// are the window mode's, or 0 when the format or the mode is refused.
-    void ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t* pHorizontalCount, uint32_t* pVerticalCount);
+    /// are the window mode's, or 0 when the format or the mode is refused. A non-zero
+    /// `bufferSize` bounds the read: a buffer that ends before the mode's last record is refused;
+    /// 0 means the host did not say, and byte 1 alone decides how far the read goes.
+    void ParsePd(void* pBuffer, pdaf_lib_defocus_t* pDefocus, uint32_t* pHorizontalCount, uint32_t* pVerticalCount,
+                 SIZE_T bufferSize = 0);
 
 private:
     void DumpInitializeData();
