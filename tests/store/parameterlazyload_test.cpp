@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 
 #include "logcapture.h"
@@ -251,6 +252,38 @@ TEST_F(StoreLazyLoad, AModuleThatFailsToLoadReloadsTheFileAtMostTwice)
     m_log.Clear();
     EXPECT_EQ(102.0f, BpsGain(m_manager, Usecase(2))) << "other modes load as before";
     EXPECT_EQ(0u, m_log.Count("Reloading binary file"));
+}
+
+TEST_F(StoreLazyLoad, InstancesThatReloadsReplaceLiveUntilTheCallThatReplacedThemEnds)
+{
+    TuningFileModel model = UsecasesModel();
+    model.modules[2].data = tuningfile::DataBuilder().Record(tuningfile::DataBuilder().I32(1).I32(0).I32(0)).F32(9.0f);
+    model.modules.push_back(DemoModule("demo10_ife", 0, 3.0f));
+    Load(model);
+    m_manager.m_logDebug                 = true;
+    const std::vector<TuningMode> branch = Usecase(1);
+
+    // Each look-up reloads twice: the second reload retires the generation that `previous`
+    // belongs to, which is given back only at the end of the call.
+    ParameterModule* previous = m_manager.GetModule("demo10_bps", branch.data(), 2, nullptr);
+    ASSERT_NE(nullptr, previous);
+    ParameterModule* next = m_manager.GetModule("demo10_bps", branch.data(), 2, previous);
+    ASSERT_NE(nullptr, next);
+    EXPECT_NE(previous, next);
+    EXPECT_EQ(4u, m_log.Count("Reloading binary file " + m_file.Path()));
+    next->Release();
+
+    // The root listing reloads for each name; the names of its rows outlive those instances.
+    PList<ParameterParserInfo> rows(1);
+    ASSERT_TRUE(m_manager.GetInfo(branch.data(), 2, nullptr, rows));
+    ASSERT_EQ(2u, rows.count);
+    std::set<std::string> names;
+    for (uint32_t index = 0; index < rows.count; ++index)
+    {
+        names.insert(rows[index].Name);
+        EXPECT_STREQ("Default", rows[index].Value) << "the module's own mode";
+    }
+    EXPECT_EQ((std::set<std::string>{"demo10_bps", "demo10_ife"}), names);
 }
 
 TEST_F(StoreLazyLoad, ASharedInstanceStaysLoadedWhenTheModeThatBorrowsItUnloads)

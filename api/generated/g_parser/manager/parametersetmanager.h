@@ -9,6 +9,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "parameterctvalue.h"
 #include "parameterdataapi.h"
@@ -281,6 +282,33 @@ private:
         PList<ModeEntry*> detached;
     };
 
+    /// What reloads took out of service and FreeReplacedParameters frees: instances, the symbol
+    /// tables their data points into, and the trees their modes live in. Owned.
+    struct RetiredGeneration
+    {
+        std::list<ParameterModule*>          modules;
+        std::list<ParameterFileSymbolTable*> symbolTables;
+        std::list<ModeTree>                  trees;
+
+        void Append(RetiredGeneration& other);
+    };
+
+    /// Held for the whole of a public call that may reload the file. A generation replaced
+    /// while calls run is freed when the last of them ends: a call's `previous`, or the instance
+    /// it is reading, may belong to it. Declared before the call's lock guard, so that it ends
+    /// after the lock is given up.
+    class CallScope
+    {
+    public:
+        explicit CallScope(ParameterSetManager& manager);
+        ~CallScope();
+        CallScope(CallScope const&)            = delete;
+        CallScope& operator=(CallScope const&) = delete;
+
+    private:
+        ParameterSetManager& m_manager;
+    };
+
     /// File mode follows m_fileName; every change of the name goes through here.
     void SetFileName(char const* fileName);
     /// Takes the present tree out of the manager.
@@ -316,7 +344,18 @@ private:
     /// Takes `module` in service here, unless it already is.
     void AdoptModule(ParameterModule* module);
     /// Frees what FreeReplacedParameters frees; `keepHeld` keeps instances of the present tree.
+    /// With `keepHeld`, while a public call runs, the generation is kept until the call ends.
     void FreeReplaced(bool keepHeld);
+    /// Moves the replaced instances, tables and trees out of their members.
+    RetiredGeneration TakeReplaced();
+    /// Deletes a retired generation; with `keepHeld`, instances that the present tree still
+    /// holds go back to m_replacedModules.
+    void FreeRetired(RetiredGeneration& retired, bool keepHeld);
+    /// Frees the generations kept for running calls, unless a call has begun since.
+    void FreeDeferred();
+    /// The manager's copy of a text that info rows point to: one per distinct text, kept until
+    /// the manager goes, so a row outlives the instance it was read from.
+    char const* InternName(char const* name);
     /// The pinning step of SetValue.
     void PinMode(ParameterModule const* module);
     /// Makes the present m_tag the logging identifier. The link's threads log through it while
@@ -348,12 +387,17 @@ private:
     /// Checks one record and builds its mode into the tree; false for a bad id.
     bool AddModeRecord(ModeRecord const& record);
 
-    std::atomic<bool>        m_fileMode{false};      ///< m_fileName is set
-    uint32_t                 m_reloadGeneration = 0; ///< reloads so far; written under the access lock
-    std::list<ModeTree>      m_replacedTrees;        ///< owned; freed with the replaced symbol tables
-    std::mutex               m_errorLock;            ///< SetError may be called from several threads
-    std::list<std::string>   m_publishedTags;        ///< texts that m_loggingIdentifier has pointed to
-    std::atomic<char const*> m_loggingIdentifier{nullptr};
+    std::atomic<bool>               m_fileMode{false};      ///< m_fileName is set
+    uint32_t                        m_reloadGeneration = 0; ///< reloads so far; written under the access lock
+    std::list<ModeTree>             m_replacedTrees;        ///< owned; freed with the replaced symbol tables
+    std::mutex                      m_errorLock;            ///< SetError may be called from several threads
+    std::list<std::string>          m_publishedTags;        ///< texts that m_loggingIdentifier has pointed to
+    std::atomic<char const*>        m_loggingIdentifier{nullptr};
+    std::atomic<uint32_t>           m_runningCalls{0};    ///< public calls under way, on any thread
+    std::atomic<bool>               m_hasDeferred{false}; ///< m_deferred holds something
+    RetiredGeneration               m_deferred;           ///< written under the access lock
+    std::mutex                      m_internLock;
+    std::unordered_set<std::string> m_internedNames;
 };
 
 #endif // PARAMETERSETMANAGER_H

@@ -51,6 +51,7 @@ bool ParameterSetManager::LoadMode(TuningMode const* modeBranch, unsigned int mo
 {
     // Safe order: the access lock comes before the load lock, also for a caller that holds
     // neither, so that a reload on another thread never waits for this one's load lock.
+    CallScope          call(*this);
     ParameterMutexLock access(&m_accessLock, true, true);
     if (nullptr == m_symbolTable)
     {
@@ -102,6 +103,7 @@ void ParameterSetManager::ReloadAfterFailedWalk(uint32_t generation)
 bool ParameterSetManager::UnloadMode(TuningMode const* modeBranch, unsigned int modeCount)
 {
     // Safe variant: the access lock keeps a reload from deleting the tree under the walk.
+    CallScope          call(*this);
     ParameterMutexLock access(&m_accessLock, true, true);
     if (!IsFileMode())
     {

@@ -27,6 +27,7 @@ struct BranchText
 ParameterModule* ParameterSetManager::GetModule(char const* name, TuningMode const* modeBranch, unsigned int modeCount,
                                                 ParameterModule* previous)
 {
+    CallScope          call(*this);
     ParameterMutexLock access(&m_accessLock, true, true);
     if (nullptr == name)
     {

@@ -29,6 +29,7 @@ ModeEntry* ParameterSetManager::GetModeEntry(char const* path)
 
 ModeEntry* ParameterSetManager::GetModeEntry(TuningMode const* modeBranch, unsigned int modeCount)
 {
+    CallScope          call(*this);
     ParameterMutexLock lock(&m_accessLock, true, true);
     if (nullptr == m_rootMode)
     {

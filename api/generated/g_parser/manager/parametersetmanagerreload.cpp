@@ -86,6 +86,38 @@ void ParameterSetManager::FreeReplaced(bool keepHeld)
 {
     // Safe variant: under the access lock, as readers walk the tree that may hold these modules.
     ParameterMutexLock access(&m_accessLock, false, true);
+    RetiredGeneration  retired = TakeReplaced();
+    if (keepHeld && (0 != m_runningCalls))
+    {
+        // Safe variant: a reload inside a call would free what the call still holds (its
+        // `previous`); the generation waits for the last running call to end.
+        m_deferred.Append(retired);
+        m_hasDeferred = true;
+        return;
+    }
+    if (!keepHeld)
+    {
+        FreeRetired(m_deferred, false);
+        m_hasDeferred = false;
+    }
+    FreeRetired(retired, keepHeld);
+}
+
+ParameterSetManager::RetiredGeneration ParameterSetManager::TakeReplaced()
+{
+    RetiredGeneration retired;
+    retired.modules.swap(m_replacedModules);
+    while (0 != m_replacedSymbolTables.count)
+    {
+        retired.symbolTables.push_back(m_replacedSymbolTables[0]);
+        m_replacedSymbolTables.RemoveFront();
+    }
+    retired.trees.swap(m_replacedTrees);
+    return retired;
+}
+
+void ParameterSetManager::FreeRetired(RetiredGeneration& retired, bool keepHeld)
+{
     // Safe variant: an update can leave a mode of the present tree on a replaced instance (a
     // shared entry of another mode); such an instance stays until the tree goes.
     std::unordered_set<ParameterModule const*> held;
@@ -100,29 +132,69 @@ void ParameterSetManager::FreeReplaced(bool keepHeld)
             held.insert(entry.second.module);
         }
     }
-    std::list<ParameterModule*> kept;
-    while (!m_replacedModules.empty())
+    for (ParameterModule* module : retired.modules)
     {
-        ParameterModule* module = m_replacedModules.front();
-        m_replacedModules.pop_front();
         if (0 != held.count(module))
         {
-            kept.push_back(module);
+            m_replacedModules.push_back(module);
         }
         else
         {
             delete module;
         }
     }
-    m_replacedModules.swap(kept);
-    while (0 != m_replacedSymbolTables.count)
+    retired.modules.clear();
+    for (ParameterFileSymbolTable* table : retired.symbolTables)
     {
-        delete m_replacedSymbolTables[0];
-        m_replacedSymbolTables.RemoveFront();
+        delete table;
     }
-    while (!m_replacedTrees.empty())
+    retired.symbolTables.clear();
+    while (!retired.trees.empty())
     {
-        DeleteModeTree(m_replacedTrees.front());
-        m_replacedTrees.pop_front();
+        DeleteModeTree(retired.trees.front());
+        retired.trees.pop_front();
     }
+}
+
+void ParameterSetManager::FreeDeferred()
+{
+    ParameterMutexLock access(&m_accessLock, false, true);
+    if ((0 != m_runningCalls) || !m_hasDeferred)
+    {
+        return; // a call that began since frees it when it ends
+    }
+    RetiredGeneration retired;
+    retired.Append(m_deferred);
+    m_hasDeferred = false;
+    FreeRetired(retired, true);
+}
+
+void ParameterSetManager::RetiredGeneration::Append(RetiredGeneration& other)
+{
+    modules.splice(modules.end(), other.modules);
+    symbolTables.splice(symbolTables.end(), other.symbolTables);
+    trees.splice(trees.end(), other.trees);
+}
+
+ParameterSetManager::CallScope::CallScope(ParameterSetManager& manager) : m_manager(manager)
+{
+    ++m_manager.m_runningCalls;
+}
+
+ParameterSetManager::CallScope::~CallScope()
+{
+    if ((1 == m_manager.m_runningCalls.fetch_sub(1)) && m_manager.m_hasDeferred)
+    {
+        m_manager.FreeDeferred();
+    }
+}
+
+char const* ParameterSetManager::InternName(char const* name)
+{
+    if (nullptr == name)
+    {
+        return nullptr;
+    }
+    std::lock_guard<std::mutex> guard(m_internLock);
+    return m_internedNames.insert(std::string(name)).first->c_str();
 }

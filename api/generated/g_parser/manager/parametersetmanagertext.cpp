@@ -169,6 +169,7 @@ bool ParameterSetManager::GetValue(TuningMode const* modeBranch, unsigned int mo
     char     moduleName[ModuleNameSize];
     uint32_t nameLength = ParameterUtils::GetSubString(path, '.', moduleName, sizeof(moduleName));
     out[0]              = '\0';
+    CallScope          call(*this);
     ParameterMutexLock access(&m_accessLock, true, true);
     // Required: the reference that the look-up takes is not given back.
     ParameterModule* module = GetModule(moduleName, modeBranch, modeCount, nullptr);
@@ -213,6 +214,7 @@ bool ParameterSetManager::SetValue(TuningMode const* modeBranch, unsigned int mo
     {
         return false;
     }
+    CallScope          call(*this);
     ParameterMutexLock access(&m_accessLock, true, true);
     ParameterModule*   module = GetModule(moduleName, modeBranch, modeCount, nullptr);
     if (nullptr == module)
@@ -271,6 +273,7 @@ bool ParameterSetManager::GetInfo(char const* modePath, char const* path, PList<
 bool ParameterSetManager::GetInfo(TuningMode const* modeBranch, unsigned int modeCount, char const* path,
                                   PList<ParameterParserInfo>& list)
 {
+    CallScope          call(*this);
     ParameterMutexLock access(&m_accessLock, true, true);
     if ((nullptr == modeBranch) || (0 == modeCount))
     {
@@ -314,11 +317,12 @@ bool ParameterSetManager::GetInfo(TuningMode const* modeBranch, unsigned int mod
         {
             char modes[ModeTextSize] = "";
             GetRavlenModesString(module->Data->ModePath, modes, sizeof(modes));
-            list.Insert(list.count, ParameterParserInfo(module->Name, ParameterParserInfo::TypeModule, modes));
+            list.Insert(list.count,
+                        ParameterParserInfo(InternName(module->Name), ParameterParserInfo::TypeModule, modes));
         }
         else
         {
-            list.Insert(list.count, ParameterParserInfo(module->Name, ParameterParserInfo::TypeModule));
+            list.Insert(list.count, ParameterParserInfo(InternName(module->Name), ParameterParserInfo::TypeModule));
         }
     }
     return found;
