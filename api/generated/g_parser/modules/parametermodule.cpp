@@ -4,11 +4,11 @@
 #include <new>
 
 #include "orvomem.h"
-#include "orvoosutils.h"
 #include "parameterlogging.h"
 #include "parametermodeentry.h"
 #include "parametermodetable.h"
 #include "parametersetmanager.h"
+#include "parametershorttype.h"
 
 namespace
 {
@@ -30,11 +30,6 @@ void FreeText(char* text)
     OrvoFree(text, OrvoMemFlagsNone, __FILE__, __LINE__);
 }
 
-bool StartsWithNoCase(char const* text, size_t textLength, char const* prefix)
-{
-    size_t prefixLength = strlen(prefix);
-    return (textLength >= prefixLength) && (0 == Orvo::OsUtils::StrNICmp(text, prefix, prefixLength));
-}
 } // namespace
 
 ModuleData::ModuleData(unsigned int id, unsigned int duplicateId, IModeTable* modeTable, char const* type,
@@ -85,29 +80,7 @@ void ModuleData::GetType(char* out, char const* name)
     {
         return;
     }
-    size_t length = strlen(name);
-    if (StartsWithNoCase(name, length, "tonemetry_") && (length > 10))
-    {
-        name += 10;
-        length -= 10;
-    }
-    else if (StartsWithNoCase(name, length, "tonemetry") && (length > 9))
-    {
-        name += 9;
-        length -= 9;
-    }
-
-    if (length <= MaxTypeLength)
-    {
-        memcpy(out, name, length);
-        return;
-    }
-    // Head, '-', tail: exactly MaxTypeLength characters, with no terminator of its own.
-    constexpr size_t HeadLength = 8;
-    constexpr size_t TailLength = MaxTypeLength - HeadLength - 1;
-    memcpy(out, name, HeadLength);
-    out[HeadLength] = '-';
-    memcpy(out + HeadLength + 1, name + length - TailLength, TailLength);
+    ParameterShortType::Write(out, name);
 }
 
 ParameterModule::ParameterModule(char const* name, VersionUnion const& version, ModuleData* data)

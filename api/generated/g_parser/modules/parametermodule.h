@@ -30,7 +30,7 @@ public:
     ModuleData(ModuleData const&)            = delete;
     ModuleData& operator=(ModuleData const&) = delete;
 
-    /// Longest short type, in characters.
+    /// Longest short type, in characters (ParameterShortType::MaxLength).
     static constexpr unsigned int MaxTypeLength = 32;
 
     /// Writes the short type of a registered module name into `out`, which must be a zeroed

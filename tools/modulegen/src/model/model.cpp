@@ -2,8 +2,9 @@
 #include "modulegen/model.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
+
+#include "parametershorttype.h"
 
 namespace modulegen
 {
@@ -22,14 +23,6 @@ constexpr ScalarInfo Scalars[] = {
     {ScalarType::UInt64, "UInt64", "uint64_t", 8, false, "UInt64"},
     {ScalarType::Double, "Double", "double", 8, true, "Float"},
 };
-
-bool StartsWithNoCase(std::string_view text, std::string_view prefix)
-{
-    return (text.size() >= prefix.size()) &&
-           std::equal(prefix.begin(), prefix.end(), text.begin(), [](char left, char right) {
-               return std::tolower(static_cast<unsigned char>(left)) == std::tolower(static_cast<unsigned char>(right));
-           });
-}
 
 template <typename T>
 bool ParseNumber(std::string_view text, T* out)
@@ -86,24 +79,7 @@ bool ParseVersion(std::string_view text, Version* out)
 
 std::string ShortTypeOf(std::string_view name)
 {
-    // The store's rule: one "tonemetry_" or "tonemetry" prefix goes, in any case, unless nothing
-    // would remain; a rest of more than 32 characters keeps its head and tail around a '-'.
-    constexpr size_t MaxLength = 32;
-    constexpr size_t Head      = 8;
-    constexpr size_t Tail      = MaxLength - Head - 1;
-    if (StartsWithNoCase(name, "tonemetry_") && (name.size() > 10))
-    {
-        name.remove_prefix(10);
-    }
-    else if (StartsWithNoCase(name, "tonemetry") && (name.size() > 9))
-    {
-        name.remove_prefix(9);
-    }
-    if (name.size() <= MaxLength)
-    {
-        return std::string(name);
-    }
-    return std::string(name.substr(0, Head)) + "-" + std::string(name.substr(name.size() - Tail));
+    return ParameterShortType::Of(name);
 }
 
 bool Enum::IsDense() const
