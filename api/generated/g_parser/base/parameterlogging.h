@@ -12,7 +12,8 @@ class IParameterLoggingAPI;
 class PDLIBVARK_API ParameterLogging
 {
 public:
-    enum ParameterLogLevel
+    /// Of fixed type: callers may pass any number, and one the list does not name logs as debug.
+    enum ParameterLogLevel : int
     {
         LogLevelDebug   = 0,
         LogLevelWarning = 1,
