@@ -3,6 +3,8 @@
 #   make test   build with AddressSanitizer and UndefinedBehaviorSanitizer and run every test
 #   make bench  build optimised and run the benchmarks
 #   make tsan   build the concurrency tests with ThreadSanitizer and run them
+#   make fuzz   build the libFuzzer targets with clang and run each for FUZZ_SECONDS (default 60)
+#   make fuzz-ci       the same targets over their seeds and FUZZ_RUNS mutations from a fixed seed
 #   make format        format the tree's C++ sources with .clang-format
 #   make format-check  fail when a tracked C++ source is not formatted
 
@@ -15,10 +17,15 @@ TEST_PACKAGES  := libgtest-dev libgmock-dev
 TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev
 FORMAT_PACKAGES := clang-format
 BENCH_PACKAGES := libbenchmark-dev valgrind zlib1g-dev
+FUZZ_PACKAGES  := clang libclang-rt-14-dev
+
+FUZZ_SECONDS ?= 60
+FUZZ_RUNS    ?= 2000
 
 CONFIGURE = cmake -S . -G Ninja -Wno-dev
 
-.PHONY: all demo test bench tsan format format-check clean deps-demo deps-test deps-bench deps-format
+.PHONY: all demo test bench tsan fuzz fuzz-ci fuzz-build format format-check clean deps-demo deps-test deps-bench \
+	deps-format deps-fuzz
 
 all: demo
 
@@ -68,6 +75,22 @@ tsan: deps-test
 	$(CONFIGURE) -B $(BUILD_DIR)/tsan -DCMAKE_BUILD_TYPE=Debug -DVARK_SANITIZE=thread $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR)/tsan -j $(JOBS) --target tsan_tests
 	ctest --test-dir $(BUILD_DIR)/tsan --output-on-failure -L tsan
+
+deps-fuzz:
+	$(call install_packages,$(BASE_PACKAGES) $(TOOL_PACKAGES) $(FUZZ_PACKAGES))
+
+# AddressSanitizer and UndefinedBehaviorSanitizer as in `make test`; the tools are built too, as
+# tonemetry packs the seed files.
+fuzz-build: deps-fuzz
+	CC=clang CXX=clang++ $(CONFIGURE) -B $(BUILD_DIR)/fuzz -DCMAKE_BUILD_TYPE=Debug -DVARK_FUZZ=ON \
+		-DVARK_SANITIZE=address,undefined -DVARK_BUILD_TESTS=OFF $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR)/fuzz -j $(JOBS)
+
+fuzz: fuzz-build
+	sh fuzz/run.sh $(BUILD_DIR)/fuzz time $(FUZZ_SECONDS)
+
+fuzz-ci: fuzz-build
+	sh fuzz/run.sh $(BUILD_DIR)/fuzz ci $(FUZZ_RUNS)
 
 deps-format:
 	$(call install_packages,$(FORMAT_PACKAGES))

@@ -81,6 +81,10 @@ public:
     /// True when every byte is 0 or printable ASCII; false for null or no bytes.
     static bool IsPrintable(UINT8 const* pBytes, UINT32 count);
 
+    /// Serves one packet by its command (the reader thread's step; public for in-process
+    /// drivers such as the fuzz target).
+    void Dispatch(UINT8* pPacket, UINT32 size);
+
     IParameterDataAPI*  m_pDataAPI = nullptr;
     ParameterRavlenCom* m_pCom     = nullptr; ///< owned
     std::atomic<bool>   m_stop{false};
@@ -91,8 +95,6 @@ public:
     std::mutex             m_lock; ///< serialises Start and Stop
 
 private:
-    /// Serves one packet by its command.
-    void Dispatch(UINT8* pPacket, UINT32 size);
     /// Active modes, control and trigger values: the text that `pReply` holds from offset 6,
     /// queued behind a 6-byte header of `command`.
     void QueueListReply(UINT8* pReply, UINT16 command, char const* pCommandName, char const* pTextLabel);
