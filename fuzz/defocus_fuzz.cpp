@@ -36,22 +36,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     in.ImagerAnalogGain      = input.ConsumeIntegral<uint64_t>();
     in.DensityOfPhasePix     = input.PickValueInArray<uint64_t>({2304, 1152, 576, 0, 1});
 
-    in.XKnotNumSlopeOffset = input.ConsumeIntegralInRange<uint16_t>(0, 16);
-    in.YKnotNumSlopeOffset = input.ConsumeIntegralInRange<uint16_t>(0, 12);
-    const size_t nodes     = size_t{in.XKnotNumSlopeOffset} * in.YKnotNumSlopeOffset;
-    std::vector<int64_t>  slopes   = Values<int64_t>(input, nodes);
-    std::vector<int64_t>  offsets  = Values<int64_t>(input, nodes);
-    std::vector<uint16_t> knotsX   = Values<uint16_t>(input, in.XKnotNumSlopeOffset);
-    std::vector<uint16_t> knotsY   = Values<uint16_t>(input, in.YKnotNumSlopeOffset);
-    in.p_SlopeData                 = slopes.data();
-    in.p_OffsetData                = offsets.data();
-    in.p_XAddressKnotSlopeOffset   = knotsX.data();
-    in.p_YAddressKnotSlopeOffset   = knotsY.data();
+    in.XKnotNumSlopeOffset        = input.ConsumeIntegralInRange<uint16_t>(0, 16);
+    in.YKnotNumSlopeOffset        = input.ConsumeIntegralInRange<uint16_t>(0, 12);
+    const size_t          nodes   = size_t{in.XKnotNumSlopeOffset} * in.YKnotNumSlopeOffset;
+    std::vector<int64_t>  slopes  = Values<int64_t>(input, nodes);
+    std::vector<int64_t>  offsets = Values<int64_t>(input, nodes);
+    std::vector<uint16_t> knotsX  = Values<uint16_t>(input, in.XKnotNumSlopeOffset);
+    std::vector<uint16_t> knotsY  = Values<uint16_t>(input, in.YKnotNumSlopeOffset);
+    in.p_SlopeData                = slopes.data();
+    in.p_OffsetData               = offsets.data();
+    in.p_XAddressKnotSlopeOffset  = knotsX.data();
+    in.p_YAddressKnotSlopeOffset  = knotsY.data();
 
-    in.XKnotNumDefocusOKNG = input.ConsumeIntegralInRange<uint16_t>(0, 8);
-    in.YKnotNumDefocusOKNG = input.ConsumeIntegralInRange<uint16_t>(0, 8);
-    const size_t lineCount = size_t{in.XKnotNumDefocusOKNG} * in.YKnotNumDefocusOKNG;
-    const size_t points    = input.ConsumeIntegralInRange<size_t>(0, 6);
+    in.XKnotNumDefocusOKNG                        = input.ConsumeIntegralInRange<uint16_t>(0, 8);
+    in.YKnotNumDefocusOKNG                        = input.ConsumeIntegralInRange<uint16_t>(0, 8);
+    const size_t                      lineCount   = size_t{in.XKnotNumDefocusOKNG} * in.YKnotNumDefocusOKNG;
+    const size_t                      points      = input.ConsumeIntegralInRange<size_t>(0, 6);
     std::vector<uint64_t>             gains       = Values<uint64_t>(input, points);
     std::vector<uint64_t>             confidences = Values<uint64_t>(input, points);
     std::vector<DefocusOKNGThrLine_t> lines(lineCount == 0 ? 1 : lineCount);

@@ -37,30 +37,29 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     FuzzedDataProvider input(data, size);
 
-    PDLibCreateParams      params = {};
-    PDLibInitParam&        init   = params.initParam;
-    PDLibSensorNativeInfo& native = init.nativePatternInfo;
-    native.originalImageWidth     = input.ConsumeIntegral<UINT16>();
-    native.originalImageHeight    = input.ConsumeIntegral<UINT16>();
-    native.currentImageWidth      = input.ConsumeIntegral<UINT16>();
-    native.currentImageHeight     = input.ConsumeIntegral<UINT16>();
-    native.cropRegion.x           = input.ConsumeIntegral<INT16>();
-    native.cropRegion.y           = input.ConsumeIntegral<INT16>();
-    native.PDOffsetCorrection     = input.ConsumeFloatingPoint<FLOAT>();
-    init.defocusBitShift          = input.ConsumeIntegral<UINT32>();
+    PDLibCreateParams      params   = {};
+    PDLibInitParam&        init     = params.initParam;
+    PDLibSensorNativeInfo& native   = init.nativePatternInfo;
+    native.originalImageWidth       = input.ConsumeIntegral<UINT16>();
+    native.originalImageHeight      = input.ConsumeIntegral<UINT16>();
+    native.currentImageWidth        = input.ConsumeIntegral<UINT16>();
+    native.currentImageHeight       = input.ConsumeIntegral<UINT16>();
+    native.cropRegion.x             = input.ConsumeIntegral<INT16>();
+    native.cropRegion.y             = input.ConsumeIntegral<INT16>();
+    native.PDOffsetCorrection       = input.ConsumeFloatingPoint<FLOAT>();
+    init.defocusBitShift            = input.ConsumeIntegral<UINT32>();
     init.defocusConfidenceThreshold = input.ConsumeIntegral<INT32>();
-    init.sensorPDStatsFormat =
-        static_cast<PDLibSensorPDStatsFormat>(input.ConsumeIntegralInRange<INT32>(0, 4));
+    init.sensorPDStatsFormat        = static_cast<PDLibSensorPDStatsFormat>(input.ConsumeIntegralInRange<INT32>(0, 4));
     PDAFDCCCalibrationData calibration = Calibration(input);
     init.pCalibrationParam             = input.ConsumeBool() ? &calibration : nullptr;
 
-    PDLibInputs inputs                             = {};
-    PDLibParam& frame                              = inputs.processParam;
-    frame.imageAnalogGain                          = input.ConsumeFloatingPoint<FLOAT>();
-    frame.windowConfig.fixedAFWindow.startX        = input.ConsumeFloatingPoint<FLOAT>();
-    frame.windowConfig.fixedAFWindow.startY        = input.ConsumeFloatingPoint<FLOAT>();
-    frame.windowConfig.fixedAFWindow.endX          = input.ConsumeFloatingPoint<FLOAT>();
-    frame.windowConfig.fixedAFWindow.endY          = input.ConsumeFloatingPoint<FLOAT>();
+    PDLibInputs inputs                      = {};
+    PDLibParam& frame                       = inputs.processParam;
+    frame.imageAnalogGain                   = input.ConsumeFloatingPoint<FLOAT>();
+    frame.windowConfig.fixedAFWindow.startX = input.ConsumeFloatingPoint<FLOAT>();
+    frame.windowConfig.fixedAFWindow.startY = input.ConsumeFloatingPoint<FLOAT>();
+    frame.windowConfig.fixedAFWindow.endX   = input.ConsumeFloatingPoint<FLOAT>();
+    frame.windowConfig.fixedAFWindow.endY   = input.ConsumeFloatingPoint<FLOAT>();
     // The buffer is a heap block of exactly its size; the host tells that size (never 0 here, as
     // a host that says nothing promises a buffer large enough for the mode it sends).
     std::vector<uint8_t> bytes = input.ConsumeRemainingBytes<uint8_t>();

@@ -27,8 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         case 2:
             manager.SetValue(modePath.c_str(), path.c_str(), names.c_str(), value.c_str());
             break;
-        default:
-        {
+        default: {
             PList<ParameterParserInfo> rows(1);
             manager.GetInfo(modePath.c_str(), path.empty() ? nullptr : path.c_str(), rows);
             break;
