@@ -111,10 +111,33 @@ TEST_F(TonemetryLive, SetConfirmsWhatTheDeviceReadsBackAndGetSeesIt)
                  "{\n  \"values\": [\n    {\n      \"name\": \"gain\",\n      \"value\": \"2.25\"\n    }\n  ]\n}\n");
     ExpectOutput({"get", "Default", "demo10_bps", "gain"}, "gain = 1.5\n");
 
-    // What the device could not set is missing from its reply, and named on standard error.
+    // What the device could not set is missing from its echo: it is read back, and unless the
+    // device holds the new value after all, that is a finding.
     ProcessResult partly = Live({"set", "Default", "demo10_ife", "nosuch=1", "gain=x1", "gain=5"});
-    EXPECT_EQ(0, partly.exitStatus);
+    EXPECT_EQ(1, partly.exitStatus);
     EXPECT_EQ("gain = 5.0\n", partly.out);
-    EXPECT_EQ("tonemetry live: not set: nosuch\n", partly.err);
+    EXPECT_EQ("tonemetry live: not confirmed: nosuch; the device holds no such value\n", partly.err);
+}
+
+TEST_F(TonemetryLive, AGetThatFindsNothingSaysWhyAndExitsOne)
+{
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        std::string              err;
+    };
+    const Case cases[] = {
+        {{"get", "Default", "nosuch.path"}, "tonemetry live: no module nosuch in Default\n"},
+        {{"get", "Default", "demo10_ife.nosuch"}, "tonemetry live: demo10_ife in Default has no member nosuch\n"},
+        {{"get", "Default", "demo10_ife", "nosuch", "other"},
+         "tonemetry live: demo10_ife in Default has no member nosuch, other\n"},
+    };
+    for (const Case& c : cases)
+    {
+        ProcessResult result = Live(c.arguments);
+        EXPECT_EQ(1, result.exitStatus) << c.err;
+        EXPECT_EQ("", result.out);
+        EXPECT_EQ(c.err, result.err);
+    }
 }
 } // namespace

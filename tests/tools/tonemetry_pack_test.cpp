@@ -347,7 +347,7 @@ TEST_F(TonemetryPack, BadArgumentsUnreadableInputAndAVersionTooOldAreRefusedAndA
     EXPECT_EQ(PathOf("pinned.json") + ": /modes/1: the pinned flag needs version 5.0.0 or above\n", pinned.err);
 
     ProcessResult unwritable = Pack({PathOf("empty.json"), "-o", PathOf("no/such/folder/x.bin")});
-    EXPECT_EQ(1, unwritable.exitStatus);
+    EXPECT_EQ(2, unwritable.exitStatus);
     EXPECT_EQ("tonemetry pack: " + PathOf("no/such/folder/x.bin") + ": cannot be written\n", unwritable.err);
 }
 } // namespace

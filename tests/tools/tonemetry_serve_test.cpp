@@ -143,14 +143,14 @@ private:
     unsigned m_port   = 0;
 };
 
-TEST_F(TonemetryServe, LiveWithoutAnAnswerExitsOneWithinItsTimeout)
+TEST_F(TonemetryServe, LiveWithoutAnAnswerExitsTwoWithinItsTimeout)
 {
     MutePeer peer;
     ASSERT_NE(0u, peer.Port());
     const auto    start = std::chrono::steady_clock::now();
     ProcessResult mute  = Live(peer.Port(), {"--timeout", "0.5", "get", "Default", "demo.gain"});
     const auto    spent = std::chrono::steady_clock::now() - start;
-    EXPECT_EQ(1, mute.exitStatus);
+    EXPECT_EQ(2, mute.exitStatus);
     EXPECT_EQ("", mute.out);
     EXPECT_EQ("tonemetry live: no reply from 127.0.0.1:" + std::to_string(peer.Port()) + " within 0.5 seconds\n",
               mute.err);
@@ -159,7 +159,7 @@ TEST_F(TonemetryServe, LiveWithoutAnAnswerExitsOneWithinItsTimeout)
 
     peer.Close();
     ProcessResult refused = Live(peer.Port(), {"--timeout", "1", "info"});
-    EXPECT_EQ(1, refused.exitStatus);
+    EXPECT_EQ(2, refused.exitStatus);
     EXPECT_EQ(0u, refused.err.find("tonemetry live: cannot connect to 127.0.0.1:" + std::to_string(peer.Port())))
         << refused.err;
 }

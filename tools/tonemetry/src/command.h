@@ -6,11 +6,14 @@
 
 namespace tonemetry
 {
+/// The same for every command: 0 all well, 1 a finding (a file the library refuses, a value the
+/// device does not have or did not take), 2 trouble (usage, unreadable input, an output that
+/// cannot be written, no reply).
 enum ExitStatus
 {
     ExitSuccess = 0,
-    ExitFailed  = 1, ///< the environment failed: schemas unreadable, an output not writable
-    ExitRefused = 2, ///< the input or the arguments were refused
+    ExitFinding = 1,
+    ExitTrouble = 2,
 };
 
 /// `pack SOURCE.json -o FILE [--version X.Y.Z] [--schemas DIR]`. When the subcommand runs, its
@@ -20,7 +23,8 @@ void AddPackCommand(CLI::App& app, int* status);
 /// serves the live tuning link until SIGINT or SIGTERM.
 void AddServeCommand(CLI::App& app, int* status);
 /// `live [--host H] [--port P] [--timeout S] [--json] COMMAND ...`: one request to a live tuning
-/// link and its reply; 1 when no reply comes in time.
+/// link and its reply; 2 when no reply comes in time, 1 when a get finds nothing or a set is not
+/// confirmed.
 void AddLiveCommand(CLI::App& app, int* status);
 } // namespace tonemetry
 

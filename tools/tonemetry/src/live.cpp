@@ -1,6 +1,7 @@
 // tonemetry live: the desktop side of the live tuning link. Each command is one request to a
 // device that serves a tuning file (`tonemetry serve`, or a camera) and one decoded reply.
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
@@ -43,6 +44,9 @@ struct LiveQuery
     bool          echoesId     = false; ///< the reply carries the request's 10-byte header
     /// Prints the reply to `*text`; false when the reply cannot be read.
     std::function<bool(const ravlen::Bytes& reply, bool json, std::string* text)> render;
+    /// The status of a reply that was read: a finding (1) where the reply lacks what was asked
+    /// for. Success when not set.
+    std::function<int(const ravlen::Bytes& reply)> verdict;
 };
 
 /// The named form the device reads: the root always leads, so that every level is there.
@@ -103,14 +107,17 @@ bool IsReplyTo(const LiveQuery& query, const ravlen::Bytes& packet)
            ((packet.size() >= ravlen::IdHeaderSize) && (ravlen::U32At(packet, 6) == ravlen::U32At(query.request, 6)));
 }
 
-int RunLive(const LiveOptions& options, const LiveQuery& query)
+/// One request and its reply, on a connection of its own: the link serves one client at a time,
+/// so a command that asks more than once connects for each question. Trouble is said on
+/// standard error.
+int Exchange(const LiveOptions& options, const LiveQuery& query, ravlen::Bytes* reply)
 {
     const std::string where = options.host + ":" + std::to_string(options.port);
     if (query.request.size() > UINT16_MAX)
     {
         std::fprintf(stderr, "tonemetry live: the request of %zu bytes does not fit a packet of %u\n",
                      query.request.size(), static_cast<unsigned>(UINT16_MAX));
-        return ExitRefused;
+        return ExitTrouble;
     }
     const auto deadline =
         std::chrono::steady_clock::now() +
@@ -120,60 +127,163 @@ int RunLive(const LiveOptions& options, const LiveQuery& query)
     if (!connection.Connect(options.host, options.port, deadline, &error))
     {
         std::fprintf(stderr, "tonemetry live: cannot connect to %s: %s\n", where.c_str(), error.c_str());
-        return ExitFailed;
+        return ExitTrouble;
     }
     if (!connection.Send(query.request))
     {
         std::fprintf(stderr, "tonemetry live: %s closed the connection\n", where.c_str());
-        return ExitFailed;
+        return ExitTrouble;
     }
     for (;;)
     {
-        const ravlen::Bytes reply = connection.Receive(deadline);
-        if (reply.empty())
+        *reply = connection.Receive(deadline);
+        if (reply->empty())
         {
             std::fprintf(stderr, "tonemetry live: no reply from %s within %g seconds\n", where.c_str(),
                          options.timeout);
-            return ExitFailed;
+            return ExitTrouble;
         }
-        if (!IsReplyTo(query, reply))
+        if (IsReplyTo(query, *reply))
         {
-            continue; // a stray packet ahead of ours
+            return ExitSuccess;
         }
-        std::string text;
-        if (!query.render(reply, options.json, &text))
-        {
-            std::fprintf(stderr, "tonemetry live: %s sent a reply of %zu bytes that cannot be read\n", where.c_str(),
-                         reply.size());
-            return ExitFailed;
-        }
-        std::fputs(text.c_str(), stdout);
-        return ExitSuccess;
+        // a stray packet ahead of ours
     }
 }
 
-/// The names of the items of `set` that the reply does not confirm: the device leaves out what
-/// it could not set.
-void ReportUnconfirmed(const std::vector<std::string>& items, const std::vector<NamedValue>& confirmed)
+int RunLive(const LiveOptions& options, const LiveQuery& query)
 {
-    std::vector<std::string> missing;
-    for (const std::string& item : items)
+    ravlen::Bytes reply;
+    const int     status = Exchange(options, query, &reply);
+    if (ExitSuccess != status)
     {
-        const std::string name = item.substr(0, item.find('='));
-        bool              seen = false;
-        for (const NamedValue& value : confirmed)
+        return status;
+    }
+    std::string text;
+    if (!query.render(reply, options.json, &text))
+    {
+        std::fprintf(stderr, "tonemetry live: %s:%u sent a reply of %zu bytes that cannot be read\n",
+                     options.host.c_str(), static_cast<unsigned>(options.port), reply.size());
+        return ExitTrouble;
+    }
+    std::fputs(text.c_str(), stdout);
+    return query.verdict ? query.verdict(reply) : ExitSuccess;
+}
+
+/// The value items of a get or set request's reply.
+std::vector<NamedValue> ReplyValues(const ravlen::Bytes& reply)
+{
+    return ParseNamedValues(ReplyText(reply, ravlen::IdHeaderSize), ';');
+}
+
+/// Asks the device for something and hands back the text of its reply; trouble is said.
+int Ask(const LiveOptions& options, ravlen::Command command, const std::string& payload, std::string* body)
+{
+    LiveQuery query;
+    query.request      = ravlen::Request(command, RequestId, payload);
+    query.replyCommand = command;
+    query.echoesId     = true;
+    ravlen::Bytes reply;
+    const int     status = Exchange(options, query, &reply);
+    *body                = (ExitSuccess == status) ? ReplyText(reply, ravlen::IdHeaderSize) : std::string();
+    return status;
+}
+
+/// A get came back empty: the device's info rows tell whether the module or the member is
+/// missing in that mode.
+int ExplainEmptyGet(const LiveOptions& options, const ValueArguments& arguments)
+{
+    const std::string modes  = WireModes(arguments.modes);
+    const std::string module = arguments.path.substr(0, arguments.path.find('.'));
+    std::string       body;
+    int               status = Ask(options, ravlen::CommandInfo, modes + ":" + module, &body);
+    if (ExitSuccess != status)
+    {
+        return status;
+    }
+    if (ParseInfoRows(body).empty())
+    {
+        std::fprintf(stderr, "tonemetry live: no module %s in %s\n", module.c_str(), modes.c_str());
+        return ExitFinding;
+    }
+    if (module != arguments.path)
+    {
+        if (ExitSuccess != (status = Ask(options, ravlen::CommandInfo, modes + ":" + arguments.path, &body)))
+        {
+            return status;
+        }
+        if (ParseInfoRows(body).empty())
+        {
+            std::fprintf(stderr, "tonemetry live: %s in %s has no member %s\n", module.c_str(), modes.c_str(),
+                         arguments.path.substr(module.size() + 1).c_str());
+            return ExitFinding;
+        }
+    }
+    if (arguments.items.empty())
+    {
+        std::fprintf(stderr, "tonemetry live: %s in %s gave no value\n", arguments.path.c_str(), modes.c_str());
+    }
+    else
+    {
+        std::fprintf(stderr, "tonemetry live: %s in %s has no member %s\n", arguments.path.c_str(), modes.c_str(),
+                     Joined(arguments.items, ", ").c_str());
+    }
+    return ExitFinding;
+}
+
+/// Whether two value texts say the same: equal, or equal numbers ("175" and "175.0").
+bool SameValue(const std::string& wanted, const std::string& held)
+{
+    if (wanted == held)
+    {
+        return true;
+    }
+    char*        wantedEnd = nullptr;
+    char*        heldEnd   = nullptr;
+    const double a         = std::strtod(wanted.c_str(), &wantedEnd);
+    const double b         = std::strtod(held.c_str(), &heldEnd);
+    return !wanted.empty() && !held.empty() && ('\0' == *wantedEnd) && ('\0' == *heldEnd) && (a == b);
+}
+
+/// The items of a set that the echo leaves out (the device echoes what it set) are read back:
+/// a finding unless the device holds the new value after all.
+int CheckSetEcho(const LiveOptions& options, const ValueArguments& arguments, const std::vector<NamedValue>& echoed)
+{
+    int status = ExitSuccess;
+    for (const std::string& item : arguments.items)
+    {
+        const size_t      equals = item.find('=');
+        const std::string name   = item.substr(0, equals);
+        bool              seen   = false;
+        for (const NamedValue& value : echoed)
         {
             seen = seen || (value.name == name);
         }
-        if (!seen)
+        if (seen)
         {
-            missing.push_back(name);
+            continue;
+        }
+        std::string body;
+        const int   asked = Ask(options, ravlen::CommandGetValues,
+                                WireModes(arguments.modes) + ":" + arguments.path + ":" + name, &body);
+        if (ExitSuccess != asked)
+        {
+            return asked;
+        }
+        const std::vector<NamedValue> held = ParseNamedValues(body, ';');
+        if (held.empty())
+        {
+            std::fprintf(stderr, "tonemetry live: not confirmed: %s; the device holds no such value\n", name.c_str());
+            status = ExitFinding;
+        }
+        else if (!SameValue(item.substr(equals + 1), held.front().value))
+        {
+            std::fprintf(stderr, "tonemetry live: not confirmed: %s; the device holds %s\n", name.c_str(),
+                         held.front().value.c_str());
+            status = ExitFinding;
         }
     }
-    if (!missing.empty())
-    {
-        std::fprintf(stderr, "tonemetry live: not set: %s\n", Joined(missing, ", ").c_str());
-    }
+    return status;
 }
 
 const CLI::Validator ModesValidator(
@@ -274,15 +384,19 @@ void AddLiveCommand(CLI::App& app, int* status)
     CLI::App* get = live->add_subcommand("get", "values by path, all of a record or the NAMES given");
     AddModesAndPath(get, arguments.get(), true);
     get->add_option("NAMES", arguments->items, "member names below PATH");
-    get->callback(run([arguments] {
+    get->callback(run([options, arguments] {
         std::string payload = WireModes(arguments->modes) + ":" + arguments->path;
         if (!arguments->items.empty())
         {
             payload += ":" + Joined(arguments->items, ",");
         }
-        return TextQuery(ravlen::CommandGetValues, payload, [](const std::string& body, bool json) {
+        LiveQuery query = TextQuery(ravlen::CommandGetValues, payload, [](const std::string& body, bool json) {
             return RenderValues(ParseNamedValues(body, ';'), json);
         });
+        query.verdict   = [options, arguments](const ravlen::Bytes& reply) {
+            return ReplyValues(reply).empty() ? ExplainEmptyGet(*options, *arguments) : ExitSuccess;
+        };
+        return query;
     }));
 
     CLI::App* set = live->add_subcommand("set", "set values and print them as the device reads them back");
@@ -290,14 +404,16 @@ void AddLiveCommand(CLI::App& app, int* status)
     set->add_option("NAME=VALUE", arguments->items, "members below PATH and their new values")
         ->required()
         ->check(ItemValidator);
-    set->callback(run([arguments] {
+    set->callback(run([options, arguments] {
         const std::string payload =
             WireModes(arguments->modes) + ":" + arguments->path + ":" + Joined(arguments->items, ";");
-        return TextQuery(ravlen::CommandSetValues, payload, [arguments](const std::string& body, bool json) {
-            const std::vector<NamedValue> confirmed = ParseNamedValues(body, ';');
-            ReportUnconfirmed(arguments->items, confirmed);
-            return RenderValues(confirmed, json);
+        LiveQuery query = TextQuery(ravlen::CommandSetValues, payload, [](const std::string& body, bool json) {
+            return RenderValues(ParseNamedValues(body, ';'), json);
         });
+        query.verdict   = [options, arguments](const ravlen::Bytes& reply) {
+            return CheckSetEcho(*options, *arguments, ReplyValues(reply));
+        };
+        return query;
     }));
 }
 } // namespace tonemetry

@@ -19,7 +19,7 @@ int main(int argc, char** argv)
     catch (const CLI::ParseError& error)
     {
         const int parseStatus = app.exit(error);
-        return (0 == parseStatus) ? tonemetry::ExitSuccess : tonemetry::ExitRefused;
+        return (0 == parseStatus) ? tonemetry::ExitSuccess : tonemetry::ExitTrouble;
     }
     return status;
 }

@@ -47,7 +47,7 @@ int RunPack(const PackOptions& options)
     {
         std::fprintf(stderr, "tonemetry pack: --version '%s' is no version major.minor.patch\n",
                      options.version.c_str());
-        return ExitRefused;
+        return ExitTrouble;
     }
     // The alignment follows from the version.
     model.version = tuningfile::Version{version.major, version.minor, version.patch};
@@ -60,7 +60,7 @@ int RunPack(const PackOptions& options)
         {
             std::fprintf(stderr, "tonemetry pack: %s\n", problem.c_str());
         }
-        return ExitFailed;
+        return ExitTrouble;
     }
 
     Json                      source;
@@ -71,25 +71,25 @@ int RunPack(const PackOptions& options)
         {
             std::fprintf(stderr, "%s\n", diagnostic.ToString().c_str());
         }
-        return ExitRefused;
+        return ExitTrouble;
     }
     std::vector<EncodeError> errors;
     if (!ReadPackSource(source, schemas, &model, &errors))
     {
         PrintRefusals(options.source, errors);
-        return ExitRefused;
+        return ExitTrouble;
     }
     std::vector<uint8_t> image;
     std::string          refusal;
     if (!tuningfile::Write(model, &image, &refusal))
     {
         PrintRefusals(options.source, {WriterRefusalInSource(refusal)});
-        return ExitRefused;
+        return ExitTrouble;
     }
     if (!StoreImage(options.output, image))
     {
         std::fprintf(stderr, "tonemetry pack: %s: cannot be written\n", options.output.c_str());
-        return ExitFailed;
+        return ExitTrouble;
     }
     std::printf("%s: %zu bytes, %zu modules, version %s\n", options.output.c_str(), image.size(), model.modules.size(),
                 model.version.ToString().c_str());

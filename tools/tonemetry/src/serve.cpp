@@ -42,13 +42,13 @@ int RunServe(const ServeOptions& options)
         // A file that cannot be opened is only logged by the manager, with no error text.
         const char* reason = ('\0' != manager->m_errorText[0]) ? manager->m_errorText : "the file could not be loaded";
         std::fprintf(stderr, "tonemetry serve: %s: %s\n", options.file.c_str(), reason);
-        return ExitFailed;
+        return ExitFinding;
     }
     const unsigned short port = manager->GetTuningLinkPort();
     if (0 == port)
     {
         std::fprintf(stderr, "tonemetry serve: the live tuning link could not listen on an internet port\n");
-        return ExitFailed;
+        return ExitTrouble;
     }
     // Scripts and tests wait for this line to learn the port: it goes out at once.
     std::printf("listening on port %u\n", static_cast<unsigned>(port));
