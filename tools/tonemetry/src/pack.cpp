@@ -122,7 +122,7 @@ void AddPackCommand(CLI::App& app, int* status)
     command->add_option("source", options->source, "the JSON source (format: tools/tonemetry/README.md)")->required();
     command->add_option("-o,--output", options->output, "the tuning file to write")->required();
     command->add_option("--edits", options->edits,
-                        "edits made live (EDITS.json of tonemetry ui) applied to the source before packing");
+                        "edits made on a live device (EDITS.json) applied to the source before packing");
     command->add_option("--version", options->version, "file format version; its alignment follows from it")
         ->capture_default_str();
     command->add_option("--schemas", options->schemas, "folder whose subfolders hold the module schemas")

@@ -1,4 +1,4 @@
-// Edits made on a live device (EDITS.json, as the browser page exports them) carried into a
+// Edits made on a live device (EDITS.json, the session's edit log) carried into a
 // pack source, so that the next packed file holds what was tuned live.
 #ifndef TONEMETRY_PACKEDITS_H
 #define TONEMETRY_PACKEDITS_H
