@@ -351,3 +351,71 @@ TEST_F(TonemetryPack, BadArgumentsUnreadableInputAndAVersionTooOldAreRefusedAndA
     EXPECT_EQ("tonemetry pack: " + PathOf("no/such/folder/x.bin") + ": cannot be written\n", unwritable.err);
 }
 } // namespace
+
+// Edits as the live page exports them: texts of the link, carried into the source by --edits.
+// The file packed with them has the bytes of the source edited by hand.
+TEST_F(TonemetryPack, EditsOfTheLivePagePackAsTheSourceEditedByHand)
+{
+    const Json source                           = {{"setManager", "ImageSensorModuleSetManager"},
+                                                   {"modes", Json::parse(ROOT_AND_VIDEO)},
+                                                   {"modules", Json::parse(R"([
+            {"name": "actuatorDriver", "values": {"slaveInfo": {"slaveAddress": "0x18", "actuatorName": "ak"}}},
+            {"name": "actuatorDriver", "mode": "Usecase.Video", "values": {"tunedParams": {"initialCode": 100}}},
+            {"name": "sensorBinSocIdMap", "values": {"socIdInfo": [{"socIds": ["415", "457"]}]}}])")}};
+    Json       byHand                           = source;
+    byHand["modules"][0]["values"]["slaveInfo"] = {
+        {"slaveAddress", 52}, {"actuatorName", "12"}, {"actuatorType", "ActuatorType1"}};
+    byHand["modules"][1]["values"]["tunedParams"]["initialCode"] = 120;
+    byHand["modules"][2]["values"]["socIdInfo"][0]["socIds"][1]  = "999";
+    const Json edits                                             = Json::parse(R"({"edits": [
+        {"mode": "Default|Usecase.Video", "module": "actuatorDriver", "path": "tunedParams", "name": "initialCode",
+         "value": "120", "old": "100"},
+        {"module": "actuatorDriver", "path": "slaveInfo", "name": "slaveAddress", "value": "52"},
+        {"mode": "Default", "module": "actuatorDriver", "path": "slaveInfo", "name": "actuatorName", "value": "12"},
+        {"mode": "Default", "module": "actuatorDriver", "path": "slaveInfo", "name": "actuatorType",
+         "value": "ActuatorType1"},
+        {"mode": "Default", "module": "sensorBinSocIdMap", "path": "socIdInfo[0]", "name": "socIds[1]", "value": "999"}
+    ]})");
+    WriteSource("source.json", source.dump());
+    WriteSource("byhand.json", byHand.dump());
+    WriteSource("edits.json", edits.dump());
+
+    ProcessResult edited = Pack({PathOf("source.json"), "--edits", PathOf("edits.json"), "-o", PathOf("edited.bin")});
+    ASSERT_EQ(0, edited.exitStatus) << edited.err;
+    ASSERT_EQ(0, Pack({PathOf("byhand.json"), "-o", PathOf("byhand.bin")}).exitStatus);
+    EXPECT_EQ(ReadBytes(PathOf("byhand.bin")), ReadBytes(PathOf("edited.bin")));
+}
+
+TEST_F(TonemetryPack, AnEditOfWhatTheSourceDoesNotHaveIsRefusedAtItsPathAndNoFile)
+{
+    struct RefusedEdit
+    {
+        const char* edit;
+        const char* refusal; ///< the error line, after the folder of the file it is told against
+    };
+    const RefusedEdit cases[] = {
+        {R"({"module": "OISDriver", "name": "id", "value": "1"})", "edits.json: /edits/0/module: the source holds no "
+                                                                   "module 'OISDriver'"},
+        {R"({"mode": "Usecase.Video", "module": "sensorBinSocIdMap", "name": "x", "value": "1"})",
+         "edits.json: /edits/0/mode: the source holds no 'sensorBinSocIdMap' in mode 'Usecase.Video'"},
+        {R"({"mode": "Usecase.Vidoe", "module": "sensorBinSocIdMap", "name": "x", "value": "1"})",
+         "edits.json: /edits/0/mode: unknown sub-mode 'Vidoe' of Usecase in 'Usecase.Vidoe'"},
+        {R"({"module": "sensorBinSocIdMap", "path": "socIdInfo[3]", "name": "binFileName", "value": "a"})",
+         "edits.json: /edits/0/path: the source holds no element 3 of 'socIdInfo'"},
+        {R"({"module": "sensorBinSocIdMap", "path": "socIdInfo[", "name": "binFileName", "value": "a"})",
+         "edits.json: /edits/0/path: 'socIdInfo[' 'binFileName' is no member path (records by '.', \"[index]\")"},
+        {R"({"module": "sensorBinSocIdMap", "name": "binFileName"})", "edits.json: /edits/0: missing key 'value'"},
+        {R"({"module": "sensorBinSocIdMap", "name": "versoin", "value": "1"})",
+         "source.json: /modules/0/values/versoin: unknown member 'versoin' of SensorBinSocIdMap"},
+    };
+    WriteSource("source.json", SENSOR_SOURCE(ROOT_AND_VIDEO, R"([{"name": "sensorBinSocIdMap",
+        "values": {"socIdInfo": [{"socIds": ["415"]}]}}])"));
+    for (const RefusedEdit& refused : cases)
+    {
+        WriteSource("edits.json", std::string(R"({"edits": [)") + refused.edit + "]}");
+        ProcessResult result = Pack({PathOf("source.json"), "--edits", PathOf("edits.json"), "-o", PathOf("out.bin")});
+        EXPECT_EQ(2, result.exitStatus) << refused.edit;
+        EXPECT_EQ(PathOf(refused.refusal) + "\n", result.err) << refused.edit;
+        EXPECT_FALSE(std::filesystem::exists(PathOf("out.bin")));
+    }
+}

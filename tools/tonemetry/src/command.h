@@ -16,7 +16,7 @@ enum ExitStatus
     ExitTrouble = 2,
 };
 
-/// `pack SOURCE.json -o FILE [--version X.Y.Z] [--schemas DIR]`. When the subcommand runs, its
+/// `pack SOURCE.json -o FILE [--edits EDITS.json] [--version X.Y.Z] [--schemas DIR]`. When the subcommand runs, its
 /// exit status goes to `*status`.
 void AddPackCommand(CLI::App& app, int* status);
 /// `serve FILE [--buffer]`: loads FILE into a TuningSetManager, prints "listening on port N" and

@@ -7,6 +7,7 @@
 
 #include "command.h"
 #include "modulegen/jsonfile.h"
+#include "packedits.h"
 #include "packsource.h"
 #include "schemacatalogue.h"
 #include "tuningfile/writer.h"
@@ -19,6 +20,7 @@ struct PackOptions
 {
     std::string source;
     std::string output;
+    std::string edits;
     std::string version = "5.0.0";
     std::string schemas = DefaultSchemaFolder();
 };
@@ -37,6 +39,20 @@ bool StoreImage(const std::string& path, const std::vector<uint8_t>& image)
     stream.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
     stream.close();
     return static_cast<bool>(stream);
+}
+
+bool ReadJson(const std::string& path, Json* out)
+{
+    modulegen::DiagnosticSink sink;
+    if (modulegen::ReadJsonFile(path, path, out, sink))
+    {
+        return true;
+    }
+    for (const modulegen::Diagnostic& diagnostic : sink.All())
+    {
+        std::fprintf(stderr, "%s\n", diagnostic.ToString().c_str());
+    }
+    return false;
 }
 
 int RunPack(const PackOptions& options)
@@ -63,17 +79,18 @@ int RunPack(const PackOptions& options)
         return ExitTrouble;
     }
 
-    Json                      source;
-    modulegen::DiagnosticSink sink;
-    if (!modulegen::ReadJsonFile(options.source, options.source, &source, sink))
+    Json source;
+    if (!ReadJson(options.source, &source))
     {
-        for (const modulegen::Diagnostic& diagnostic : sink.All())
-        {
-            std::fprintf(stderr, "%s\n", diagnostic.ToString().c_str());
-        }
         return ExitTrouble;
     }
     std::vector<EncodeError> errors;
+    Json                     edits;
+    if (!options.edits.empty() && !(ReadJson(options.edits, &edits) && ApplyEdits(edits, &source, &errors)))
+    {
+        PrintRefusals(options.edits, errors);
+        return ExitTrouble;
+    }
     if (!ReadPackSource(source, schemas, &model, &errors))
     {
         PrintRefusals(options.source, errors);
@@ -104,6 +121,8 @@ void AddPackCommand(CLI::App& app, int* status)
         app.add_subcommand("pack", "Write a binary tuning file from a JSON source of modes and modules.");
     command->add_option("source", options->source, "the JSON source (format: tools/tonemetry/README.md)")->required();
     command->add_option("-o,--output", options->output, "the tuning file to write")->required();
+    command->add_option("--edits", options->edits,
+                        "edits made on a live device (EDITS.json) applied to the source before packing");
     command->add_option("--version", options->version, "file format version; its alignment follows from it")
         ->capture_default_str();
     command->add_option("--schemas", options->schemas, "folder whose subfolders hold the module schemas")
