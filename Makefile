@@ -3,6 +3,11 @@
 #   make test   build with AddressSanitizer and UndefinedBehaviorSanitizer and run every test
 #   make bench  build optimised and run the benchmarks
 #   make tsan   build the concurrency tests with ThreadSanitizer and run them
+#   make test-aarch64  cross-build for AArch64 (Release) and run every test under qemu-aarch64
+#   make install-check install the Release build into a scratch prefix and build the example
+#                      hosts against it through CMake and through pkg-config
+#   make package       Debian packages for amd64 and arm64 in build/packages, checked by building
+#                      the example hosts against the unpacked amd64 ones
 #   make fuzz   build the libFuzzer targets with clang and run each for FUZZ_SECONDS (default 60)
 #   make fuzz-ci       the same targets over their seeds and FUZZ_RUNS mutations from a fixed seed
 #   make format        format the tree's C++ sources with .clang-format
@@ -18,14 +23,16 @@ TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev
 FORMAT_PACKAGES := clang-format
 BENCH_PACKAGES := libbenchmark-dev valgrind zlib1g-dev
 FUZZ_PACKAGES  := clang libclang-rt-14-dev
+CROSS_PACKAGES := g++-aarch64-linux-gnu qemu-user googletest
+PACKAGE_PACKAGES := pkgconf dpkg-dev file
 
 FUZZ_SECONDS ?= 60
 FUZZ_RUNS    ?= 2000
 
 CONFIGURE = cmake -S . -G Ninja -Wno-dev
 
-.PHONY: all demo test bench tsan fuzz fuzz-ci fuzz-build format format-check clean deps-demo deps-test deps-bench \
-	deps-format deps-fuzz
+.PHONY: all demo test test-aarch64 install-check package release aarch64 bench tsan fuzz fuzz-ci fuzz-build format format-check clean deps-demo deps-test deps-bench \
+	deps-format deps-fuzz deps-aarch64 deps-package
 
 all: demo
 
@@ -54,9 +61,12 @@ deps-test:
 deps-bench:
 	$(call install_packages,$(BASE_PACKAGES) $(TOOL_PACKAGES) $(BENCH_PACKAGES))
 
-demo: deps-demo
+# The Release build that the demo, the install check and the amd64 packages share.
+release: deps-demo
 	$(CONFIGURE) -B $(BUILD_DIR)/release -DCMAKE_BUILD_TYPE=Release -DVARK_BUILD_TESTS=OFF $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR)/release -j $(JOBS)
+
+demo: release
 	@BUILD=$(BUILD_DIR)/release sh examples/demo.sh
 
 test: deps-test
@@ -64,6 +74,36 @@ test: deps-test
 		-DVARK_SANITIZE=address,undefined $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR)/asan -j $(JOBS)
 	ctest --test-dir $(BUILD_DIR)/asan --output-on-failure -j $(JOBS)
+
+deps-aarch64:
+	$(call install_packages,$(BASE_PACKAGES) $(TOOL_PACKAGES) $(CROSS_PACKAGES))
+
+aarch64: deps-aarch64
+	$(CONFIGURE) -B $(BUILD_DIR)/aarch64 --toolchain cmake/toolchains/aarch64-linux-gnu.cmake \
+		-DCMAKE_BUILD_TYPE=Release $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR)/aarch64 -j $(JOBS)
+
+# The same suite as `make test`, built for the device and run under user-mode emulation.
+test-aarch64: aarch64
+	ctest --test-dir $(BUILD_DIR)/aarch64 --output-on-failure -j $(JOBS)
+
+deps-package:
+	$(call install_packages,$(PACKAGE_PACKAGES))
+
+install-check: release deps-package
+	rm -rf $(BUILD_DIR)/install-check
+	cmake --install $(BUILD_DIR)/release --prefix $(BUILD_DIR)/install-check/prefix
+	sh examples/consumer/check.sh $(BUILD_DIR)/install-check/prefix $(BUILD_DIR)/release/tools/tonemetry/tonemetry \
+		$(BUILD_DIR)/install-check/scratch
+
+package: release aarch64 deps-package
+	rm -rf $(BUILD_DIR)/packages $(BUILD_DIR)/package-check
+	cd $(BUILD_DIR)/release && cpack -B $(CURDIR)/$(BUILD_DIR)/packages
+	cd $(BUILD_DIR)/aarch64 && cpack -B $(CURDIR)/$(BUILD_DIR)/packages
+	@for deb in $(BUILD_DIR)/packages/*.deb; do echo "--- $$deb"; dpkg-deb -c $$deb; done
+	for deb in $(BUILD_DIR)/packages/*_amd64.deb; do dpkg-deb -x $$deb $(BUILD_DIR)/package-check/root; done
+	sh examples/consumer/check.sh $(BUILD_DIR)/package-check/root/usr \
+		$(BUILD_DIR)/package-check/root/usr/bin/tonemetry $(BUILD_DIR)/package-check/scratch
 
 bench: deps-bench
 	$(CONFIGURE) -B $(BUILD_DIR)/bench -DCMAKE_BUILD_TYPE=Release -DVARK_BUILD_TESTS=OFF \

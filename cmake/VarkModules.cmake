@@ -5,7 +5,25 @@ include_guard(GLOBAL)
 set(MODULEGEN_EXECUTABLE "" CACHE FILEPATH
     "A host-built modulegen to run (for cross builds); empty builds it with this project")
 
-if(NOT MODULEGEN_EXECUTABLE AND NOT VARK_BUILD_TOOLS)
+set(VARK_MODULEGEN_DEPENDENCY "")
+if(NOT MODULEGEN_EXECUTABLE AND CMAKE_CROSSCOMPILING)
+    # A cross-built modulegen cannot run here: build one for the build machine first, from this
+    # same source tree (the library's own build needs nothing else of it).
+    include(ExternalProject)
+    set(hostBuild ${PROJECT_BINARY_DIR}/host-modulegen)
+    set(MODULEGEN_EXECUTABLE ${hostBuild}/tools/modulegen/modulegen)
+    ExternalProject_Add(host_modulegen
+        SOURCE_DIR ${PROJECT_SOURCE_DIR}
+        BINARY_DIR ${hostBuild}
+        CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DVARK_BUILD_TESTS=OFF -DVARK_BUILD_TOOLS=OFF
+                   -DCMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER} -Wno-dev
+        BUILD_COMMAND ${CMAKE_COMMAND} --build ${hostBuild} --target modulegen
+        BUILD_ALWAYS ON
+        BUILD_BYPRODUCTS ${MODULEGEN_EXECUTABLE}
+        INSTALL_COMMAND ""
+    )
+    set(VARK_MODULEGEN_DEPENDENCY host_modulegen)
+elseif(NOT MODULEGEN_EXECUTABLE AND NOT VARK_BUILD_TOOLS)
     # The host tools are off, but the library cannot do without its generator.
     add_subdirectory(${PROJECT_SOURCE_DIR}/tools/modulegen ${PROJECT_BINARY_DIR}/tools/modulegen)
 endif()
@@ -35,7 +53,7 @@ function(vark_generate_modules target)
     add_custom_command(
         OUTPUT ${headers} ${sources}
         COMMAND ${generator} --schemas ${ARG_SCHEMAS} --output ${ARG_OUTPUT}
-        DEPENDS ${schemaFiles} ${generator}
+        DEPENDS ${schemaFiles} ${generator} ${VARK_MODULEGEN_DEPENDENCY}
         COMMENT "Generating parameter modules from ${ARG_SCHEMAS}"
         VERBATIM
     )

@@ -3,9 +3,11 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "calibrationfile.h"
 #include "framesetup.h"
+#include "installpaths.h"
 #include "orvolog.h"
 #include "pdlibhost.h"
 #include "runerrors.h"
@@ -62,7 +64,8 @@ int main(int argc, char** argv)
 {
     try
     {
-        std::optional<pdlibrun::RunOptions> options = pdlibrun::ParseRunOptions(argc, argv, PDLIB_RUN_DEFAULT_LIBRARY);
+        const std::string defaultLibrary = installpaths::Library(PDLIB_RUN_LIBRARY_NAME, PDLIB_RUN_BUILD_LIBRARY);
+        std::optional<pdlibrun::RunOptions> options = pdlibrun::ParseRunOptions(argc, argv, defaultLibrary);
         return options ? Run(*options) : 0;
     }
     catch (const pdlibrun::InputError& error)

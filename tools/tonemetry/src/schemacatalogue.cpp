@@ -1,12 +1,13 @@
 #include "schemacatalogue.h"
 
+#include "installpaths.h"
 #include "modulegen/schemaloader.h"
 
 namespace tonemetry
 {
-const char* DefaultSchemaFolder()
+std::string DefaultSchemaFolder()
 {
-    return VARK_SCHEMA_DIR;
+    return installpaths::SharedData("schemas", VARK_SCHEMA_DIR);
 }
 
 bool LoadSchemaCatalogue(const std::string& root, modulegen::SchemaSet* set, std::vector<std::string>* problems)

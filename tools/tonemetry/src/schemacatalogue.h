@@ -9,8 +9,9 @@
 
 namespace tonemetry
 {
-/// The schema folder of the tree this tool was built from.
-const char* DefaultSchemaFolder();
+/// The schemas installed with the tool, or those of the tree it was built from when it runs from
+/// its build tree.
+std::string DefaultSchemaFolder();
 
 /// Reads and checks the schemas in the subfolders of `root`, as the build does. False, with one
 /// line per problem in `*problems`, when they cannot be used.

@@ -265,6 +265,16 @@ bool Crc32HardwareAvailable()
     return available;
 }
 
+Crc32Path FastestCrc32Path()
+{
+#if defined(__x86_64__)
+    constexpr Crc32Path hardware = Crc32Path::CarrylessMultiply;
+#else
+    constexpr Crc32Path hardware = Crc32Path::Armv8CrcInstructions;
+#endif
+    return Crc32HardwareAvailable() ? hardware : Crc32Path::Portable;
+}
+
 uint32_t Crc32(const unsigned char* pBuffer, size_t length)
 {
     using Crc32Function                = uint32_t (*)(const unsigned char*, size_t);
@@ -275,6 +285,11 @@ uint32_t Crc32(const unsigned char* pBuffer, size_t length)
 bool Crc32HardwareAvailable()
 {
     return false;
+}
+
+Crc32Path FastestCrc32Path()
+{
+    return Crc32Path::Portable;
 }
 
 uint32_t Crc32(const unsigned char* pBuffer, size_t length)

@@ -27,6 +27,16 @@ uint32_t Crc32Hardware(const unsigned char* pBuffer, size_t length);
 /// Whether the running CPU can take the hardware path. Asked once, at the first call.
 bool Crc32HardwareAvailable();
 
+enum class Crc32Path
+{
+    Portable,             ///< lookup tables
+    CarrylessMultiply,    ///< x86-64 PCLMULQDQ folding
+    Armv8CrcInstructions, ///< AArch64 CRC32B/CRC32X
+};
+
+/// The path that Crc32 takes on the running CPU.
+Crc32Path FastestCrc32Path();
+
 /// Finished CRC-32 through the fastest path of this CPU, chosen at the first call.
 uint32_t Crc32(const unsigned char* pBuffer, size_t length);
 } // namespace ParameterCrc

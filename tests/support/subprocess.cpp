@@ -19,15 +19,34 @@ std::string ReadFileText(const std::string& path)
     return text.str();
 }
 
+namespace
+{
+/// The words that run a program of this build: the program itself, or in a cross build the
+/// emulator (found on PATH) with its arguments first.
+std::vector<std::string> CommandWords(const std::string& program)
+{
+    std::vector<std::string> words;
+#ifdef VARK_PROGRAM_EMULATOR
+    std::istringstream emulator(VARK_PROGRAM_EMULATOR);
+    for (std::string word; emulator >> word;)
+    {
+        words.push_back(word);
+    }
+#endif
+    words.push_back(program);
+    return words;
+}
+} // namespace
+
 pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::string>& arguments,
                            const std::string& outPath, const std::string& errPath)
 {
-    std::vector<std::string> copies = arguments;
-    copies.insert(copies.begin(), program);
+    std::vector<std::string> words = CommandWords(program);
+    words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
-    for (std::string& argument : copies)
+    for (std::string& word : words)
     {
-        argv.push_back(argument.data());
+        argv.push_back(word.data());
     }
     argv.push_back(nullptr);
 
@@ -36,7 +55,7 @@ pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::st
     posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     pid_t pid = -1;
-    if (0 != posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ))
+    if (0 != posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ))
     {
         pid = -1;
     }
