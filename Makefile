@@ -101,6 +101,7 @@ package: release aarch64 deps-package
 	cd $(BUILD_DIR)/release && cpack -B $(CURDIR)/$(BUILD_DIR)/packages
 	cd $(BUILD_DIR)/aarch64 && cpack -B $(CURDIR)/$(BUILD_DIR)/packages
 	@for deb in $(BUILD_DIR)/packages/*.deb; do echo "--- $$deb"; dpkg-deb -c $$deb; done
+	mkdir -p $(BUILD_DIR)/package-check/root
 	for deb in $(BUILD_DIR)/packages/*_amd64.deb; do dpkg-deb -x $$deb $(BUILD_DIR)/package-check/root; done
 	sh examples/consumer/check.sh $(BUILD_DIR)/package-check/root/usr \
 		$(BUILD_DIR)/package-check/root/usr/bin/tonemetry $(BUILD_DIR)/package-check/scratch

@@ -10,6 +10,9 @@ set(VARK_COMMON_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/orvocommonutils)
 set(VARK_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 set(VARK_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/pdlibvark)
 
+# The library finds the common library beside it, also in an unpacked package outside the
+# loader's paths.
+set_target_properties(pdlibvark PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS pdlibvark LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
         NAMELINK_COMPONENT development)
 install(TARGETS orvocommonutils LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT commonutils

@@ -41,6 +41,8 @@ if(CMAKE_CROSSCOMPILING)
     set(CPACK_COMPONENTS_ALL runtime commonutils development)
 else()
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+    # The project's own libraries are found in the build tree; their packages are named above.
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/common)
     set(CPACK_COMPONENTS_ALL runtime commonutils development tools)
 endif()
 
