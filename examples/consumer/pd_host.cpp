@@ -52,13 +52,13 @@ int main(int argc, char** argv)
     services.pGetVendorTagBase     = GiveVendorTagBase;
     callbacks.pfnSetAlgoInterface(&services);
 
-    UINT32                     openIndicator = 1;
-    StatsCameraInfo            camera        = {StatsAlgoRoleDefault, 0};
-    PDLibCreateParam           openParams[]  = {{PDLibCreateParamTypeCameraOpenIndicator, &openIndicator, sizeof(openIndicator)},
-                                                {PDLibCreateParamTypeCameraInfo, &camera, sizeof(camera)}};
-    const PDLibCreateParamList openList      = {openParams, 2};
-    KELPDLib*                  pLibrary      = nullptr;
-    KelResult                  result        = callbacks.pfnCreate(&pLibrary, &openList);
+    UINT32           openIndicator = 1;
+    StatsCameraInfo  camera        = {StatsAlgoRoleDefault, 0};
+    PDLibCreateParam openParams[]  = {{PDLibCreateParamTypeCameraOpenIndicator, &openIndicator, sizeof(openIndicator)},
+                                      {PDLibCreateParamTypeCameraInfo, &camera, sizeof(camera)}};
+    const PDLibCreateParamList openList = {openParams, 2};
+    KELPDLib*                  pLibrary = nullptr;
+    KelResult                  result   = callbacks.pfnCreate(&pLibrary, &openList);
     if (KelResultSuccess != result)
     {
         return Fail("opening camera 0", result);
@@ -76,8 +76,8 @@ int main(int argc, char** argv)
     calibration->slopeOffsetAddressX[1] = 4000;
     calibration->slopeOffsetAddressY[1] = 3000;
 
-    auto            create = std::make_unique<PDLibCreateParams>();
-    PDLibInitParam& init   = create->initParam;
+    auto            create                     = std::make_unique<PDLibCreateParams>();
+    PDLibInitParam& init                       = create->initParam;
     init.nativePatternInfo.originalImageWidth  = 4000;
     init.nativePatternInfo.originalImageHeight = 3000;
     init.nativePatternInfo.cropRegion          = {0, 0, 4000, 3000};
@@ -113,11 +113,11 @@ int main(int argc, char** argv)
     std::printf("%u x %u windows; window 0: defocus %d, confidence %u\n", output.horizontalWindowCount,
                 output.verticalWindowCount, output.defocus[0].defocus, output.defocus[0].confidence);
 
-    UINT32                      closeIndicator = 1;
-    PDLibDestroyParam           closeParams[]  = {{PDLibDestroyParamTypeCameraCloseIndicator, &closeIndicator,
-                                                   sizeof(closeIndicator)},
-                                                  {PDLibDestroyParamTypeCameraInfo, &camera, sizeof(camera)}};
-    const PDLibDestroyParamList closeList      = {closeParams, 2};
+    UINT32            closeIndicator = 1;
+    PDLibDestroyParam closeParams[]  = {
+         {PDLibDestroyParamTypeCameraCloseIndicator, &closeIndicator, sizeof(closeIndicator)},
+         {PDLibDestroyParamTypeCameraInfo, &camera, sizeof(camera)}};
+    const PDLibDestroyParamList closeList = {closeParams, 2};
     pLibrary->PDLibDestroy(pLibrary, &closeList);
     return 0;
 }

@@ -50,6 +50,11 @@ pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::st
     }
     argv.push_back(nullptr);
 
+    // Emptied here first: under an emulator posix_spawn may return before the child has opened
+    // them, and a reader must not take an earlier run's output for this one's.
+    std::ofstream(outPath, std::ios::trunc);
+    std::ofstream(errPath, std::ios::trunc);
+
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);

@@ -40,7 +40,7 @@ bool Exists(const std::string& path)
 
 std::string Installed(const std::string& relative, const std::string& buildTreePath)
 {
-    static const std::string prefix = InstallPrefix();
+    static const std::string prefix    = InstallPrefix();
     const std::string        candidate = prefix + "/" + relative;
     return (!prefix.empty() && Exists(candidate)) ? candidate : buildTreePath;
 }
