@@ -18,7 +18,7 @@ JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_FLAGS ?=
 
 BASE_PACKAGES  := cmake ninja-build g++ make
-TEST_PACKAGES  := libgtest-dev libgmock-dev
+TEST_PACKAGES  := libgtest-dev libgmock-dev python3
 TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev
 FORMAT_PACKAGES := clang-format
 BENCH_PACKAGES := libbenchmark-dev valgrind zlib1g-dev

@@ -21,6 +21,14 @@ heading() {
 heading "Format 2 (11-bit confidence, 11-bit phase), 16 x 12 windows, 16 x 12 calibration"
 "$run" --calib "$calib" --stats "$examples/stats_fmt2_mode0.bin" --format 2
 
+pictures="$build/demo"
+mkdir -p "$pictures"
+"$run" --calib "$calib" --stats "$examples/stats_fmt2_mode0.bin" --format 2 \
+    --svg "$pictures/frame.svg" --calib-svg "$pictures/calibration.svg" > /dev/null
+echo
+echo "The same frame as pictures: $pictures/frame.svg (defocus, confidence, phase) and"
+echo "$pictures/calibration.svg (slope and offset grids); open them in a browser."
+
 heading "Format 1 (8-bit confidence, 10-bit phase), 8 x 6 windows"
 "$run" --calib "$calib" --stats "$examples/stats_fmt1_mode1.bin" --format 1
 

@@ -36,13 +36,10 @@ std::vector<std::string> CommandWords(const std::string& program)
     words.push_back(program);
     return words;
 }
-} // namespace
 
-pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::string>& arguments,
-                           const std::string& outPath, const std::string& errPath)
+/// Starts the command `words` (the first found on PATH) with its output going to the files.
+pid_t Spawn(std::vector<std::string> words, const std::string& outPath, const std::string& errPath)
 {
-    std::vector<std::string> words = CommandWords(program);
-    words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words)
     {
@@ -68,14 +65,8 @@ pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::st
     return pid;
 }
 
-ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& arguments,
-                         const std::string& scratchDirectory)
+ProcessResult Wait(pid_t pid, const std::string& outPath, const std::string& errPath)
 {
-    const std::string outPath = scratchDirectory + "/stdout.txt";
-    const std::string errPath = scratchDirectory + "/stderr.txt";
-
-    const pid_t pid = SpawnWithOutputFiles(program, arguments, outPath, errPath);
-
     ProcessResult result = {-1, "", ""};
     int           status = 0;
     if ((pid > 0) && (pid == waitpid(pid, &status, 0)) && WIFEXITED(status))
@@ -85,5 +76,34 @@ ProcessResult RunProcess(const std::string& program, const std::vector<std::stri
     result.out = ReadFileText(outPath);
     result.err = ReadFileText(errPath);
     return result;
+}
+
+std::vector<std::string> Joined(std::vector<std::string> words, const std::vector<std::string>& arguments)
+{
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return words;
+}
+} // namespace
+
+pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::string>& arguments,
+                           const std::string& outPath, const std::string& errPath)
+{
+    return Spawn(Joined(CommandWords(program), arguments), outPath, errPath);
+}
+
+ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& arguments,
+                         const std::string& scratchDirectory)
+{
+    const std::string outPath = scratchDirectory + "/stdout.txt";
+    const std::string errPath = scratchDirectory + "/stderr.txt";
+    return Wait(SpawnWithOutputFiles(program, arguments, outPath, errPath), outPath, errPath);
+}
+
+ProcessResult RunHostProcess(const std::string& program, const std::vector<std::string>& arguments,
+                             const std::string& scratchDirectory)
+{
+    const std::string outPath = scratchDirectory + "/host-stdout.txt";
+    const std::string errPath = scratchDirectory + "/host-stderr.txt";
+    return Wait(Spawn(Joined({program}, arguments), outPath, errPath), outPath, errPath);
 }
 } // namespace testsupport

@@ -21,6 +21,11 @@ struct ProcessResult
 ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& arguments,
                          const std::string& scratchDirectory);
 
+/// Runs a program of the build machine (found on PATH), never through the emulator of a cross
+/// build: a checker such as python3.
+ProcessResult RunHostProcess(const std::string& program, const std::vector<std::string>& arguments,
+                             const std::string& scratchDirectory);
+
 /// Starts `program` with standard output and error written to the two files; the process id, or
 /// -1 when it could not start.
 pid_t SpawnWithOutputFiles(const std::string& program, const std::vector<std::string>& arguments,

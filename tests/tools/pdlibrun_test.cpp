@@ -201,6 +201,49 @@ TEST_F(PdlibRunTest, ReportsTheWindowGridOfEachModeInEachFormat)
     }
 }
 
+TEST_F(PdlibRunTest, PicturesHoldOneCellPerWindowAndKnotWithItsValue)
+{
+    const std::string calibration = std::string(VARK_EXAMPLES_DIR) + "/calib_16x12.json";
+    for (uint32_t mode = 0; mode < 3; mode++)
+    {
+        SCOPED_TRACE("mode " + std::to_string(mode));
+        const std::string stats = std::string(VARK_EXAMPLES_DIR) + "/stats_fmt3_mode" + std::to_string(mode) + ".bin";
+        const std::vector<std::string> frame    = {"--calib", calibration, "--stats", stats, "--format", "3"};
+        json                           report   = RunJson(frame);
+        std::vector<std::string>       pictured = frame;
+        pictured.insert(pictured.end(), {"--svg", "@frame.svg", "--calib-svg", "@calib.svg"});
+        ASSERT_EQ(0, Run(pictured).exitStatus);
+
+        // Parsed as XML by the build machine's python3: cells in window order, titled by value.
+        const ProcessResult parsed =
+            testsupport::RunHostProcess("python3", {SVG_CELLS_SCRIPT, m_directory + "/frame.svg"}, m_directory);
+        ASSERT_EQ(0, parsed.exitStatus) << parsed.err;
+        const json  maps    = json::parse(parsed.out);
+        const json& windows = report["windows"];
+        ASSERT_EQ(3u, maps["panels"].size());
+        EXPECT_EQ(3, maps["afWindows"]);
+        const std::pair<const char*, size_t> fields[] = {{"defocus", 0}, {"confidence", 1}};
+        for (const auto& [field, panel] : fields)
+        {
+            const json& cells = maps["panels"][panel];
+            ASSERT_EQ(windows.size(), cells.size());
+            for (size_t i = 0; i < windows.size(); i++)
+            {
+                EXPECT_EQ(std::to_string(windows[i][field].get<long long>()), cells[i].get<std::string>()) << field;
+            }
+        }
+        EXPECT_EQ(windows.size(), maps["panels"][2].size());
+
+        const ProcessResult grids =
+            testsupport::RunHostProcess("python3", {SVG_CELLS_SCRIPT, m_directory + "/calib.svg"}, m_directory);
+        ASSERT_EQ(0, grids.exitStatus) << grids.err;
+        const json knots = json::parse(grids.out);
+        ASSERT_EQ(2u, knots["panels"].size());
+        EXPECT_EQ(16u * 12u, knots["panels"][0].size());
+        EXPECT_EQ(16u * 12u, knots["panels"][1].size());
+    }
+}
+
 TEST_F(PdlibRunTest, DefocusIsTheCalibrationAtTheAfWindowCentre)
 {
     json report = RunJson(PatchRun());

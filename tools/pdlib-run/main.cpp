@@ -2,6 +2,8 @@
 // statistic buffer from a file.
 #include <cstdio>
 #include <exception>
+#include <fstream>
+#include <functional>
 #include <iostream>
 #include <string>
 
@@ -13,6 +15,7 @@
 #include "runerrors.h"
 #include "runoptions.h"
 #include "statsbuffer.h"
+#include "svgmaps.h"
 #include "windowreport.h"
 
 namespace
@@ -21,6 +24,18 @@ int Fail(const std::exception& error, int status)
 {
     std::fprintf(stderr, "pdlib-run: %s\n", error.what());
     return status;
+}
+
+/// Writes one picture; a file that cannot be written is an input error, as an unreadable one is.
+void WritePicture(const std::string& path, const std::function<void(std::ostream&)>& write)
+{
+    std::ofstream file(path, std::ios::trunc);
+    write(file);
+    file.close();
+    if (!file)
+    {
+        throw pdlibrun::InputError(path + ": cannot be written");
+    }
 }
 
 int Run(const pdlibrun::RunOptions& options)
@@ -48,6 +63,17 @@ int Run(const pdlibrun::RunOptions& options)
     }
     result = host.Process(*inputs, outputs.get());
 
+    if (!options.calibrationSvgPath.empty())
+    {
+        WritePicture(options.calibrationSvgPath, [&](std::ostream& out) {
+            WriteCalibrationSvg(out, calibration, options.imageWidth, options.imageHeight);
+        });
+    }
+    if (!options.svgPath.empty())
+    {
+        WritePicture(options.svgPath,
+                     [&](std::ostream& out) { WriteFrameSvg(out, outputs->libOutput, options.window); });
+    }
     if (options.json)
     {
         PrintWindowJson(std::cout, outputs->libOutput, result);

@@ -133,6 +133,9 @@ std::optional<RunOptions> ParseRunOptions(int argc, char** argv, const std::stri
     app.add_option("--threshold", threshold, "defocusConfidenceThreshold (default 100)");
     app.add_option("--library", options.libraryPath, "the library to load")->capture_default_str();
     app.add_flag("--json", options.json, "print one JSON object instead of tables");
+    app.add_option("--svg", options.svgPath, "also write the frame's defocus, confidence and phase maps as SVG");
+    app.add_option("--calib-svg", options.calibrationSvgPath,
+                   "also write the calibration's slope and offset grids as SVG");
     app.add_flag("--verbose", options.verbose, "let the library's info and verbose lines through");
 
     try

@@ -38,8 +38,10 @@ struct RunOptions
     Rectangle       crop                = {0, 0, 4000, 3000}; ///< origin in the full image, size of the current image
     uint32_t        defocusBitShift     = 0;
     int32_t         confidenceThreshold = 100;
-    bool            json                = false;
-    bool            verbose             = false;
+    std::string     svgPath;            ///< the frame's maps as SVG, when given
+    std::string     calibrationSvgPath; ///< the calibration's grids as SVG, when given
+    bool            json    = false;
+    bool            verbose = false;
 };
 
 /// Parses and checks the command line. Returns nothing when help was asked for and printed.

@@ -11,14 +11,15 @@
 
 namespace pdlibrun
 {
-namespace
-{
 uint32_t WindowCount(const PDLibOutputData& output)
 {
     // The counts come from the library; never index past the output's own array.
     const uint64_t count = static_cast<uint64_t>(output.horizontalWindowCount) * output.verticalWindowCount;
     return static_cast<uint32_t>(std::min<uint64_t>(count, PDLibMaxWindowCount));
 }
+
+namespace
+{
 
 std::string FormatPhase(FLOAT phaseDiff)
 {

@@ -9,6 +9,9 @@
 
 namespace pdlibrun
 {
+/// The windows the output holds: its counts, never more than its own array.
+uint32_t WindowCount(const PDLibOutputData& output);
+
 /// A line with the window counts, then one grid each of defocus, confidence and phase
 /// difference, rows top to bottom.
 void PrintWindowTables(std::ostream& out, const PDLibOutputData& output, KelResult result);
