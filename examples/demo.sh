@@ -85,7 +85,7 @@ fi
 echo "listening on port $port"
 
 live() {
-    "$tonemetry" live --port "$port" "$@"
+    "$tonemetry" live "live:127.0.0.1:$port" "$@"
 }
 
 heading "tonemetry live info"

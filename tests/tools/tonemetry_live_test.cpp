@@ -36,7 +36,7 @@ protected:
 
     ProcessResult Live(const std::vector<std::string>& arguments) const
     {
-        std::vector<std::string> all = {"live", "--port", std::to_string(m_manager->GetTuningLinkPort())};
+        std::vector<std::string> all = {"live", "live:localhost:" + std::to_string(m_manager->GetTuningLinkPort())};
         all.insert(all.end(), arguments.begin(), arguments.end());
         return testsupport::RunProcess(TONEMETRY_EXECUTABLE, all, m_directory);
     }

@@ -55,7 +55,7 @@ protected:
 
     ProcessResult Live(unsigned port, const std::vector<std::string>& arguments) const
     {
-        std::vector<std::string> all = {"live", "--port", std::to_string(port)};
+        std::vector<std::string> all = {"live", "live:127.0.0.1:" + std::to_string(port)};
         all.insert(all.end(), arguments.begin(), arguments.end());
         return Run(all);
     }
@@ -152,7 +152,7 @@ TEST_F(TonemetryServe, LiveWithoutAnAnswerExitsTwoWithinItsTimeout)
     const auto    spent = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(2, mute.exitStatus);
     EXPECT_EQ("", mute.out);
-    EXPECT_EQ("tonemetry live: no reply from 127.0.0.1:" + std::to_string(peer.Port()) + " within 0.5 seconds\n",
+    EXPECT_EQ("tonemetry live: no reply from live:127.0.0.1:" + std::to_string(peer.Port()) + " within 0.5 seconds\n",
               mute.err);
     EXPECT_GE(spent, milliseconds(500));
     EXPECT_LT(spent, milliseconds(3000));
@@ -160,7 +160,7 @@ TEST_F(TonemetryServe, LiveWithoutAnAnswerExitsTwoWithinItsTimeout)
     peer.Close();
     ProcessResult refused = Live(peer.Port(), {"--timeout", "1", "info"});
     EXPECT_EQ(2, refused.exitStatus);
-    EXPECT_EQ(0u, refused.err.find("tonemetry live: cannot connect to 127.0.0.1:" + std::to_string(peer.Port())))
+    EXPECT_EQ(0u, refused.err.find("tonemetry live: cannot connect to live:127.0.0.1:" + std::to_string(peer.Port())))
         << refused.err;
 }
 
@@ -177,7 +177,11 @@ TEST_F(TonemetryServe, UsageErrorsExitTwoWithoutConnecting)
         {"live", "set", "Default", "demo10_bps", "gain"},
         {"live", "set", "Default", "demo10_bps", "gain="},
         {"live", "set", "Default", "demo10_bps", "gain=1;label=x"},
-        {"live", "--port", "0", "info"},
+        {"live", "live:127.0.0.1:0", "info"},
+        {"live", "live:127.0.0.1:65536", "info"},
+        {"live", "live::20803", "info"},
+        {"live", "live:[::1", "info"},
+        {"live", "127.0.0.1:20803", "info"},
         {"live", "--timeout", "-1", "info"},
         {"serve"},
     };
@@ -190,5 +194,7 @@ TEST_F(TonemetryServe, UsageErrorsExitTwoWithoutConnecting)
     }
     ProcessResult vidoe = Run({"live", "modes", "Usecase.Vidoe"});
     EXPECT_NE(std::string::npos, vidoe.err.find("unknown sub-mode 'Vidoe'")) << vidoe.err;
+    ProcessResult bare = Run({"live", "camera-01", "info"});
+    EXPECT_NE(std::string::npos, bare.err.find("'camera-01' is no device: write live:HOST[:PORT]")) << bare.err;
 }
 } // namespace

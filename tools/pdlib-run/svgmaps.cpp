@@ -180,7 +180,7 @@ void WriteFrameSvg(std::ostream& out, const PDLibOutputData& output, const Windo
 
     struct Map
     {
-        const char*                                   title;
+        const char*                                    title;
         std::function<double(const PDLibDefocusInfo&)> value;
     };
     const Map maps[] = {
@@ -218,18 +218,17 @@ void WriteCalibrationSvg(std::ostream& out, const PDAFDCCCalibrationData& calibr
     const auto     spansY = KnotSpans(calibration.slopeOffsetAddressY, knotsY, imageHeight);
 
     std::vector<Panel> panels;
-    for (const auto& [title, data] : {std::make_pair("Slope", calibration.slopeData),
-                                      std::make_pair("Offset", calibration.offsetData)})
+    for (const auto& [title, data] :
+         {std::make_pair("Slope", calibration.slopeData), std::make_pair("Offset", calibration.offsetData)})
     {
         Panel panel{title, imageHeight * scale, {}};
         for (uint32_t y = 0; y < knotsY; ++y)
         {
             for (uint32_t x = 0; x < knotsX; ++x)
             {
-                panel.cells.push_back({spansX[x].first * scale, spansY[y].first * scale,
-                                       (spansX[x].second - spansX[x].first) * scale,
-                                       (spansY[y].second - spansY[y].first) * scale,
-                                       static_cast<double>(data[y * knotsX + x])});
+                panel.cells.push_back(
+                    {spansX[x].first * scale, spansY[y].first * scale, (spansX[x].second - spansX[x].first) * scale,
+                     (spansY[y].second - spansY[y].first) * scale, static_cast<double>(data[y * knotsX + x])});
             }
         }
         panels.push_back(std::move(panel));

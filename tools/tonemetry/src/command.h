@@ -22,7 +22,7 @@ void AddPackCommand(CLI::App& app, int* status);
 /// `serve FILE [--buffer]`: loads FILE into a TuningSetManager, prints "listening on port N" and
 /// serves the live tuning link until SIGINT or SIGTERM.
 void AddServeCommand(CLI::App& app, int* status);
-/// `live [--host H] [--port P] [--timeout S] [--json] COMMAND ...`: one request to a live tuning
+/// `live [live:HOST[:PORT]] [--timeout S] [--json] COMMAND ...`: one request to a live tuning
 /// link and its reply; 2 when no reply comes in time, 1 when a get finds nothing or a set is not
 /// confirmed.
 void AddLiveCommand(CLI::App& app, int* status);

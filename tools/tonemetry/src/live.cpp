@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "command.h"
+#include "device.h"
 #include "liveoutput.h"
 #include "livereply.h"
 #include "modepath.h"
@@ -22,10 +23,9 @@ constexpr uint32_t RequestId = 1;
 
 struct LiveOptions
 {
-    std::string host    = "127.0.0.1";
-    uint16_t    port    = 20803;
-    double      timeout = 3.0; ///< seconds for connecting, sending and the reply together
-    bool        json    = false;
+    DeviceAddress device  = {"127.0.0.1", DeviceAddress::DefaultPort};
+    double        timeout = 3.0; ///< seconds for connecting, sending and the reply together
+    bool          json    = false;
 };
 
 /// The arguments of the commands that address values.
@@ -112,7 +112,7 @@ bool IsReplyTo(const LiveQuery& query, const ravlen::Bytes& packet)
 /// standard error.
 int Exchange(const LiveOptions& options, const LiveQuery& query, ravlen::Bytes* reply)
 {
-    const std::string where = options.host + ":" + std::to_string(options.port);
+    const std::string where = options.device.ToString();
     if (query.request.size() > UINT16_MAX)
     {
         std::fprintf(stderr, "tonemetry live: the request of %zu bytes does not fit a packet of %u\n",
@@ -124,7 +124,7 @@ int Exchange(const LiveOptions& options, const LiveQuery& query, ravlen::Bytes* 
         std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(options.timeout));
     ravlen::Connection connection;
     std::string        error;
-    if (!connection.Connect(options.host, options.port, deadline, &error))
+    if (!connection.Connect(options.device.host, options.device.port, deadline, &error))
     {
         std::fprintf(stderr, "tonemetry live: cannot connect to %s: %s\n", where.c_str(), error.c_str());
         return ExitTrouble;
@@ -162,8 +162,8 @@ int RunLive(const LiveOptions& options, const LiveQuery& query)
     std::string text;
     if (!query.render(reply, options.json, &text))
     {
-        std::fprintf(stderr, "tonemetry live: %s:%u sent a reply of %zu bytes that cannot be read\n",
-                     options.host.c_str(), static_cast<unsigned>(options.port), reply.size());
+        std::fprintf(stderr, "tonemetry live: %s sent a reply of %zu bytes that cannot be read\n",
+                     options.device.ToString().c_str(), reply.size());
         return ExitTrouble;
     }
     std::fputs(text.c_str(), stdout);
@@ -312,6 +312,13 @@ const CLI::Validator ItemValidator(
     },
     "NAME=VALUE", "item");
 
+const CLI::Validator DeviceValidator(
+    [](std::string& text) {
+        std::string error;
+        return ParseDevice(text, &error).has_value() ? std::string() : error;
+    },
+    "live:HOST[:PORT]", "device");
+
 void AddModesAndPath(CLI::App* command, ValueArguments* arguments, bool pathRequired)
 {
     command->add_option("MODES", arguments->modes, "mode path, such as Default|Usecase.Video")
@@ -331,8 +338,15 @@ void AddLiveCommand(CLI::App& app, int* status)
     auto      options   = std::make_shared<LiveOptions>();
     auto      arguments = std::make_shared<ValueArguments>();
     CLI::App* live      = app.add_subcommand("live", "ask a device's live tuning link: read and set values");
-    live->add_option("--host", options->host, "the device's address")->capture_default_str();
-    live->add_option("--port", options->port, "the link's port")->capture_default_str()->check(CLI::Range(1, 65535));
+    live->add_option_function<std::string>(
+            "DEVICE",
+            [options](const std::string& text) {
+                std::string error;
+                options->device = *ParseDevice(text, &error); // the validator has accepted it
+            },
+            "the device, live:HOST[:PORT] (the port 20803 unless given)")
+        ->default_str(options->device.ToString())
+        ->check(DeviceValidator);
     live->add_option("--timeout", options->timeout, "seconds to wait for the reply")
         ->capture_default_str()
         ->check(CLI::PositiveNumber);
