@@ -26,6 +26,10 @@ void AddServeCommand(CLI::App& app, int* status);
 /// link and its reply; 2 when no reply comes in time, 1 when a get finds nothing or a set is not
 /// confirmed.
 void AddLiveCommand(CLI::App& app, int* status);
+/// `check FILE [--manager NAME] [--json]`: loads FILE in buffer and in file mode as a device
+/// would, with the store's error and warning lines and each module's fate; 1 when a device
+/// would refuse the file or skip or fail a module.
+void AddCheckCommand(CLI::App& app, int* status);
 } // namespace tonemetry
 
 #endif // TONEMETRY_COMMAND_H

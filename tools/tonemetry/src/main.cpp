@@ -12,6 +12,7 @@ int main(int argc, char** argv)
     tonemetry::AddPackCommand(app, &status);
     tonemetry::AddServeCommand(app, &status);
     tonemetry::AddLiveCommand(app, &status);
+    tonemetry::AddCheckCommand(app, &status);
     try
     {
         app.parse(argc, argv);
