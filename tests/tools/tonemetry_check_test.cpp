@@ -41,8 +41,8 @@ protected:
     /// The shipped tuning sample packed at `version` into `name`.
     void PackSample(const std::string& name, const std::string& version = "5.0.0") const
     {
-        ProcessResult packed = Tool({"pack", std::string(VARK_EXAMPLES_DIR) + "/tuning_sample.json", "-o",
-                                     PathOf(name), "--version", version});
+        ProcessResult packed = Tool(
+            {"pack", std::string(VARK_EXAMPLES_DIR) + "/tuning_sample.json", "-o", PathOf(name), "--version", version});
         ASSERT_EQ(0, packed.exitStatus) << packed.err;
     }
 

@@ -173,11 +173,10 @@ std::string LikeliestManager(const std::vector<uint8_t>& image)
     for (const std::string& name : SetManagerNames())
     {
         const LoadOutcome outcome = LoadInBufferMode(name, image);
-        const size_t      unknown = outcome.loaded ? std::count_if(outcome.modules.begin(), outcome.modules.end(),
-                                                                   [](const ModuleOutcome& module) {
-                                                                       return "unknown type" == module.result;
-                                                                   })
-                                                   : SIZE_MAX - 1;
+        const size_t      unknown =
+            outcome.loaded ? std::count_if(outcome.modules.begin(), outcome.modules.end(),
+                                                [](const ModuleOutcome& module) { return "unknown type" == module.result; })
+                                : SIZE_MAX - 1;
         if (unknown < fewest)
         {
             fewest = unknown;
@@ -189,8 +188,9 @@ std::string LikeliestManager(const std::vector<uint8_t>& image)
 
 bool AllWell(const LoadOutcome& outcome)
 {
-    return outcome.loaded && std::all_of(outcome.modules.begin(), outcome.modules.end(),
-                                         [](const ModuleOutcome& module) { return "loaded" == module.result; }) &&
+    return outcome.loaded &&
+           std::all_of(outcome.modules.begin(), outcome.modules.end(),
+                       [](const ModuleOutcome& module) { return "loaded" == module.result; }) &&
            std::none_of(outcome.log.begin(), outcome.log.end(),
                         [](const LoggedLine& line) { return "error" == line.level; });
 }
