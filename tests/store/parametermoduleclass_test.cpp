@@ -220,4 +220,33 @@ TEST(StoreDefaultModule, TheInstanceListKeepsItsEndsThroughRemovals)
     delete a;
     delete c;
 }
+
+TEST(StoreDefaultModule, FindAnswersTheFirstMatchInListOrderThroughRemovals)
+{
+    ModuleData    one(1, 0, nullptr, "demo10_bps", 0, 0, nullptr);
+    ModuleData    oneAgain(1, 0, nullptr, "demo10_bps", 0, 0, nullptr);
+    DefaultModule list(new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps"));
+    auto          make = [](ModuleData* data) { return new demo_1_0_0::tonemetry_demo10TypeClass("demo10_bps", data); };
+    ParameterModule* first  = make(&one);
+    ParameterModule* second = make(&oneAgain);
+    ParameterModule* bare   = make(nullptr);
+    list.AddModule(first);
+    list.AddModule(second);
+    EXPECT_EQ(first, list.Find(1));
+    list.RemoveModule(first);
+    EXPECT_EQ(second, list.Find(1)) << "the next instance of the ID stands in";
+    list.AddModule(first);
+    list.AddModule(bare);
+    EXPECT_EQ(second, list.Find(1)) << "an instance without ModuleData behind the match";
+    EXPECT_EQ(bare, list.Find(7));
+    list.RemoveModule(second);
+    EXPECT_EQ(first, list.Find(1));
+    list.RemoveModule(first);
+    EXPECT_EQ(bare, list.Find(1)) << "an instance without ModuleData before any match";
+    list.RemoveModule(bare);
+    EXPECT_EQ(nullptr, list.Find(1));
+    delete first;
+    delete second;
+    delete bare;
+}
 } // namespace

@@ -15,12 +15,12 @@ void ParameterMutex::Lock(bool shared)
     std::unique_lock<std::mutex> guard(m_mutex);
     if (shared)
     {
-        m_condition.wait(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
+        WaitUntil(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
         ++m_readers[self];
         return;
     }
 
-    m_condition.wait(guard, [&] { return WriteAllowed(self); });
+    WaitUntil(guard, [&] { return WriteAllowed(self); });
     if (m_writeOwner != self)
     {
         m_writeCount = 1;
@@ -36,8 +36,10 @@ void ParameterMutex::Unlock(bool shared)
 {
     const std::thread::id self      = std::this_thread::get_id();
     bool                  unmatched = false;
+    bool                  waiting   = false;
     {
         std::lock_guard<std::mutex> guard(m_mutex);
+        waiting = (0 != m_waiting);
         if (shared)
         {
             // A thread that holds no read lock changes nothing.
@@ -59,7 +61,7 @@ void ParameterMutex::Unlock(bool shared)
             unmatched = true;
         }
     }
-    m_condition.notify_all();
+    WakeWaiting(waiting);
     if (unmatched)
     {
         // The lock stays usable; the unmatched unlock is only reported.
@@ -69,21 +71,20 @@ void ParameterMutex::Unlock(bool shared)
 
 uint32_t ParameterMutex::SuspendShared()
 {
-    const std::thread::id self  = std::this_thread::get_id();
-    uint32_t              depth = 0;
+    const std::thread::id self    = std::this_thread::get_id();
+    uint32_t              depth   = 0;
+    bool                  waiting = false;
     {
         std::lock_guard<std::mutex> guard(m_mutex);
-        auto                        reader = m_readers.find(self);
+        waiting     = (0 != m_waiting);
+        auto reader = m_readers.find(self);
         if (m_readers.end() != reader)
         {
             depth = reader->second;
             m_readers.erase(reader);
         }
     }
-    if (0 != depth)
-    {
-        m_condition.notify_all();
-    }
+    WakeWaiting((0 != depth) && waiting);
     return depth;
 }
 
@@ -95,7 +96,7 @@ void ParameterMutex::ResumeShared(uint32_t depth)
     }
     const std::thread::id        self = std::this_thread::get_id();
     std::unique_lock<std::mutex> guard(m_mutex);
-    m_condition.wait(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
+    WaitUntil(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
     m_readers[self] += depth;
 }
 

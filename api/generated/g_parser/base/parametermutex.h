@@ -38,12 +38,34 @@ public:
 
 private:
     bool WriteAllowed(std::thread::id self) const;
+    /// Waits on m_condition until `ready` holds, counted in m_waiting so that an unlock wakes
+    /// only when somebody waits. `guard` holds m_mutex.
+    template <typename Ready>
+    void WaitUntil(std::unique_lock<std::mutex>& guard, Ready ready)
+    {
+        while (!ready())
+        {
+            ++m_waiting;
+            m_condition.wait(guard);
+            --m_waiting;
+        }
+    }
+    /// Wakes the waiting threads, if any; called after m_mutex was released. `waiting` is
+    /// m_waiting as read under it.
+    void WakeWaiting(bool waiting)
+    {
+        if (waiting)
+        {
+            m_condition.notify_all();
+        }
+    }
 
     std::mutex                          m_mutex;          ///< held only for the bookkeeping below
     uint32_t                            m_writeCount = 0; ///< depth of the write side; 0: no writer
     std::thread::id                     m_writeOwner;     ///< cleared when m_writeCount reaches 0
     std::map<std::thread::id, uint32_t> m_readers;        ///< reading threads and their depths
-    std::condition_variable             m_condition;      ///< woken by every unlock
+    std::condition_variable             m_condition;      ///< woken by an unlock while a thread waits
+    uint32_t                            m_waiting = 0;    ///< threads blocked in WaitUntil
 };
 
 /// Locks a ParameterMutex for a scope, when `condition` holds (code whose need for the lock

@@ -1,5 +1,7 @@
 #include "parameterfilesymboltable.h"
 
+#include <memory>
+
 #include <new>
 
 #include "orvomem.h"
@@ -83,11 +85,11 @@ unsigned int ParameterFileSymbolTable::GetModeEntrySize(unsigned char alignment)
 
 bool ParameterFileSymbolTable::AllocateTables()
 {
-    m_symbolEntries = new (std::nothrow) ParameterFileSymbolTableEntry[m_symbolCount + 1u];
+    m_symbolEntries = new (std::nothrow) EntryView[m_symbolCount + 1u];
     m_symbolLookup  = new (std::nothrow) EntryData[m_symbolCount + 1u]();
     if (HasDataTable())
     {
-        m_dataEntries = new (std::nothrow) ParameterFileSymbolTableEntry[m_dataCount + 1u];
+        m_dataEntries = new (std::nothrow) EntryView[m_dataCount + 1u];
         m_dataLookup  = new (std::nothrow) EntryData[m_dataCount + 1u]();
     }
     else
@@ -108,11 +110,11 @@ bool ParameterFileSymbolTable::AllocateTables()
 bool ParameterFileSymbolTable::ReadSection(unsigned char* buffer, unsigned int length, unsigned int offset,
                                            unsigned int size, bool isSymbolTable, unsigned char alignment)
 {
-    unsigned int                   count      = isSymbolTable ? m_symbolCount : m_dataCount;
-    ParameterFileSymbolTableEntry* entries    = isSymbolTable ? m_symbolEntries : m_dataEntries;
-    EntryData*                     lookup     = isSymbolTable ? m_symbolLookup : m_dataLookup;
-    unsigned int&                  groupCount = isSymbolTable ? m_symbolDuplicateCount : m_dataDuplicateCount;
-    PList<DupObjInfo*>*&           groups     = isSymbolTable ? m_symbolDuplicates : m_dataDuplicates;
+    unsigned int         count      = isSymbolTable ? m_symbolCount : m_dataCount;
+    EntryView*           entries    = isSymbolTable ? m_symbolEntries : m_dataEntries;
+    EntryData*           lookup     = isSymbolTable ? m_symbolLookup : m_dataLookup;
+    unsigned int&        groupCount = isSymbolTable ? m_symbolDuplicateCount : m_dataDuplicateCount;
+    PList<DupObjInfo*>*& groups     = isSymbolTable ? m_symbolDuplicates : m_dataDuplicates;
 
     bool success = false;
     if (!m_fileMode)
@@ -238,7 +240,7 @@ bool ParameterFileSymbolTable::Load(unsigned char* buffer, unsigned int length, 
 }
 
 bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int length, unsigned int* pos,
-                                         unsigned int count, ParameterFileSymbolTableEntry* entries, EntryData* lookup,
+                                         unsigned int count, EntryView* entries, EntryData* lookup,
                                          unsigned int& duplicateCount, PList<DupObjInfo*>*& duplicates,
                                          unsigned int dataOffset, IModeTable* modeTable, bool isSymbolTable,
                                          unsigned char alignment)
@@ -249,7 +251,18 @@ bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int len
         PARAMETER_LOG_ERROR(m_setManager, "Failed to allocate space for duplicates variable\n");
         return true;
     }
-    entries[0].Init(this);
+    // Each record is read through one entry object; the array keeps what Find needs of it, and
+    // the module entries' ModuleData wait here, by id, to join m_modules in id order.
+    ParameterFileSymbolTableEntry        entry;
+    std::unique_ptr<ModuleData*[]> const moduleData(isSymbolTable ? new (std::nothrow) ModuleData*[count + 1u]()
+                                                                  : nullptr);
+    auto const                           freeModuleData = [&]() {
+        for (unsigned int index = 1; (nullptr != moduleData) && (index <= count); ++index)
+        {
+            delete moduleData[index];
+        }
+    };
+    entries[0].read = true;
 
     for (unsigned int round = 0; round < count; ++round)
     {
@@ -259,6 +272,7 @@ bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int len
         {
             PARAMETER_LOG_ERROR(m_setManager, "Failed to read entry ID from Symbol table\n");
             delete[] counters;
+            freeModuleData();
             return false;
         }
         if ((0 == id) || (id > count))
@@ -267,12 +281,22 @@ bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int len
             PARAMETER_LOG_ERROR(m_setManager, "Symbol table entry ID %d out of range 1 - %d\n", id, count);
             continue;
         }
-        lookup[id].offset                    = *pos;
-        ParameterFileSymbolTableEntry& entry = entries[id];
+        lookup[id].offset = *pos;
         entry.Init(this);
-        if (!entry.Load(buffer, nullptr, nullptr, length, pos, dataOffset, modeTable, isSymbolTable, alignment))
+        bool const loaded =
+            entry.Load(buffer, nullptr, nullptr, length, pos, dataOffset, modeTable, isSymbolTable, alignment);
+        entries[id] = EntryView{entry.m_data, entry.m_length, entry.m_duplicateId, true};
+        if (nullptr != moduleData)
+        {
+            // A second record of the same id replaces the first, as its entry would.
+            delete moduleData[id];
+            moduleData[id]     = entry.m_moduleData;
+            entry.m_moduleData = nullptr;
+        }
+        if (!loaded)
         {
             delete[] counters;
+            freeModuleData();
             return false;
         }
         // Safe variant: a duplicateId beyond the count was logged and is counted nowhere.
@@ -299,21 +323,22 @@ bool ParameterFileSymbolTable::ReadTable(unsigned char* buffer, unsigned int len
     if (duplicateCount >= 2)
     {
         duplicates = new (std::nothrow) PList<DupObjInfo*>[duplicateCount];
+        // Each group usually comes to one shared object: room for them all at once.
+        m_dupObjects.reserve(m_dupObjects.size() + duplicateCount - 1);
     }
 
-    for (unsigned int index = 1; index <= count; ++index)
+    for (unsigned int index = 1; (nullptr != moduleData) && (index <= count); ++index)
     {
-        ModuleData* moduleData = entries[index].m_moduleData;
-        if (nullptr == moduleData)
+        if (nullptr == moduleData[index])
         {
             continue;
         }
         uint32_t before = m_modules.count;
-        m_modules.Insert(m_modules.count, moduleData);
-        // A list that could not grow leaves the ModuleData with its entry, which frees it.
-        if (m_modules.count != before)
+        m_modules.Insert(m_modules.count, moduleData[index]);
+        // A list that could not grow frees the ModuleData, as its entry would have.
+        if (m_modules.count == before)
         {
-            entries[index].m_moduleData = nullptr;
+            delete moduleData[index];
         }
     }
     return true;
@@ -327,11 +352,10 @@ bool ParameterFileSymbolTable::Find(ParameterFileSymbolTableEntry& entry, unsign
         PARAMETER_LOG_ERROR(m_setManager, "Find: Symbol table entry ID %d out of range 1 - %d\n", id, count);
         return false;
     }
-    ParameterFileSymbolTableEntry* entries = isSymbolTable ? m_symbolEntries : m_dataEntries;
+    EntryView* entries = isSymbolTable ? m_symbolEntries : m_dataEntries;
     if (nullptr != entries)
     {
-        entry.CopyFrom(entries[id]);
-        entry.m_position = 0;
+        entry.CopyFrom(entries[id], id, entries[id].read ? this : nullptr);
         return true;
     }
     EntryData* lookup = isSymbolTable ? m_symbolLookup : m_dataLookup;

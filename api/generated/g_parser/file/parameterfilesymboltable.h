@@ -30,6 +30,8 @@ public:
         uint32_t offset;    ///< the record: from the image's start (buffer mode) or its section's (file mode)
     };
 
+    using EntryView = SymbolTableEntryView;
+
     /// `modeId` of a symbol entry that is no module.
     static constexpr uint32_t NoModeId = 0xFFFFFFFF;
 
@@ -47,9 +49,8 @@ public:
     /// Reads `count` records of one table from `buffer` at `*pos` into `entries` and `lookup`
     /// (indexed by id), and numbers its duplicate groups.
     bool ReadTable(unsigned char* buffer, unsigned int length, unsigned int* pos, unsigned int count,
-                   ParameterFileSymbolTableEntry* entries, EntryData* lookup, unsigned int& duplicateCount,
-                   PList<DupObjInfo*>*& duplicates, unsigned int dataOffset, IModeTable* modeTable, bool isSymbolTable,
-                   unsigned char alignment);
+                   EntryView* entries, EntryData* lookup, unsigned int& duplicateCount, PList<DupObjInfo*>*& duplicates,
+                   unsigned int dataOffset, IModeTable* modeTable, bool isSymbolTable, unsigned char alignment);
 
     /// Fills `entry` with entry `id` (1 to the count) of the symbol or the data table, at
     /// position 0.
@@ -119,8 +120,8 @@ public:
     uint32_t                               m_symbolDuplicateCount = 0;   ///< groups plus 1
     uint32_t                               m_dataDuplicateCount   = 0;
     bool                                   m_fileMode             = false;
-    ParameterFileSymbolTableEntry*         m_symbolEntries        = nullptr; ///< owned; null after FreeEntryData
-    ParameterFileSymbolTableEntry*         m_dataEntries          = nullptr; ///< owned; may be m_symbolEntries
+    EntryView*                             m_symbolEntries        = nullptr; ///< owned; null after FreeEntryData
+    EntryView*                             m_dataEntries          = nullptr; ///< owned; may be m_symbolEntries
     ParameterMutex                         m_dupLock;
     std::unordered_map<void*, DupObjInfo*> m_dupObjects; ///< live shared objects
 

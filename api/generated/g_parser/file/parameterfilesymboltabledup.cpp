@@ -13,6 +13,10 @@ bool SameSite(DupObjInfo const* info, char const* file, unsigned int line)
     {
         return false;
     }
+    if (info->file == file)
+    {
+        return true; // the same call site passes the same literal
+    }
     if ((nullptr == info->file) || (nullptr == file))
     {
         return info->file == file;

@@ -42,17 +42,18 @@ void ParameterFileSymbolTableEntry::Init(ParameterFileSymbolTable* table)
     m_position   = 0;
 }
 
-void ParameterFileSymbolTableEntry::CopyFrom(ParameterFileSymbolTableEntry const& other)
+void ParameterFileSymbolTableEntry::CopyFrom(SymbolTableEntryView const& view, uint32_t id,
+                                             ParameterFileSymbolTable* table)
 {
     ReleaseOwned();
-    m_table       = other.m_table;
-    m_setManager  = other.m_setManager;
-    m_id          = other.m_id;
-    m_duplicateId = other.m_duplicateId;
-    m_data        = other.m_data;
-    m_spare       = other.m_spare;
-    m_position    = other.m_position;
-    m_length      = other.m_length;
+    m_table       = table;
+    m_setManager  = (nullptr == table) ? nullptr : table->m_setManager;
+    m_id          = view.read ? id : 0;
+    m_duplicateId = view.duplicateId;
+    m_data        = view.data;
+    m_spare       = 0;
+    m_position    = 0;
+    m_length      = view.length;
 }
 
 bool ParameterFileSymbolTableEntry::ReadFields(unsigned char const* record, unsigned int length, unsigned int* pos,

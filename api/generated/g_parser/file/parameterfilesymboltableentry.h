@@ -16,6 +16,16 @@ class ParameterBinaryFile;
 class ParameterFileSymbolTable;
 class ParameterSetManager;
 
+/// What a table's entry array keeps of one entry while it lives: the fields as the table read
+/// them, without the entry object, since a large file has hundreds of thousands of entries.
+struct SymbolTableEntryView
+{
+    unsigned char* data        = nullptr;
+    uint32_t       length      = 0;
+    uint32_t       duplicateId = 0;
+    bool           read        = false; ///< false: no record of this id was read
+};
+
 /// An entry owns its bytes only when it read them from the file (m_fileName set), and its
 /// ModuleData while it holds one. The table's own arrays never own anything; Find hands out
 /// copies of their entries. Entries are not copyable otherwise.
@@ -84,8 +94,9 @@ public:
 private:
     friend class ParameterFileSymbolTable;
 
-    /// Find's copy of a table entry. Table entries own nothing, so neither does the copy.
-    void CopyFrom(ParameterFileSymbolTableEntry const& other);
+    /// Find's copy of entry `id` of a table's entry array, at position 0: tied to `table`, or
+    /// to none when no record of the id was read. It owns nothing.
+    void CopyFrom(SymbolTableEntryView const& view, uint32_t id, ParameterFileSymbolTable* table);
     /// Frees what the entry owns and forgets it.
     void ReleaseOwned();
     /// Reads the fields of one record from `record`; false on a short record.

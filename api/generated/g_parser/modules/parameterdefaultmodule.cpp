@@ -33,6 +33,14 @@ void DefaultModule::AddModule(ParameterModule* module)
         return;
     }
     ModuleLink* link = new ModuleLink(module);
+    if (nullptr == module->Data)
+    {
+        m_firstWithoutData = (nullptr == m_firstWithoutData) ? link : m_firstWithoutData;
+    }
+    else
+    {
+        m_firstWithId.emplace(module->Data->ID, link); // an earlier link of the ID stays first
+    }
     if (nullptr == m_head)
     {
         m_head = link;
@@ -53,6 +61,7 @@ bool DefaultModule::RemoveModule(ParameterModule const* module)
         {
             continue;
         }
+        Unindex(link);
         if (nullptr == previous)
         {
             m_head = link->next;
@@ -77,15 +86,62 @@ bool DefaultModule::RemoveModule(ParameterModule const* module)
 
 ParameterModule* DefaultModule::Find(unsigned int id) const
 {
-    for (ModuleLink* link = m_head; nullptr != link; link = link->next)
+    if (nullptr != m_firstWithoutData)
     {
-        ParameterModule* module = link->module;
-        if ((nullptr != module) && ((nullptr == module->Data) || (module->Data->ID == id)))
+        // A module without ModuleData answers every ID where it stands first; rare enough to walk.
+        for (ModuleLink* link = m_head; nullptr != link; link = link->next)
         {
-            return module;
+            ParameterModule* module = link->module;
+            if ((nullptr == module->Data) || (module->Data->ID == id))
+            {
+                return module;
+            }
+        }
+        return nullptr;
+    }
+    auto first = m_firstWithId.find(id);
+    return (m_firstWithId.end() == first) ? nullptr : first->second->module;
+}
+
+ModuleLink* DefaultModule::FirstMatch(ModuleLink* from, bool withoutData, unsigned int id)
+{
+    for (ModuleLink* link = from; nullptr != link; link = link->next)
+    {
+        ModuleData const* data = link->module->Data;
+        if (withoutData ? (nullptr == data) : ((nullptr != data) && (data->ID == id)))
+        {
+            return link;
         }
     }
     return nullptr;
+}
+
+void DefaultModule::Unindex(ModuleLink* link)
+{
+    // A listed module's ModuleData is valid: its table is freed only after the lists gave it up.
+    ModuleData const* data = link->module->Data;
+    if (nullptr == data)
+    {
+        if (m_firstWithoutData == link)
+        {
+            m_firstWithoutData = FirstMatch(link->next, true, 0);
+        }
+        return;
+    }
+    auto first = m_firstWithId.find(data->ID);
+    if ((m_firstWithId.end() == first) || (first->second != link))
+    {
+        return;
+    }
+    ModuleLink* successor = FirstMatch(link->next, false, data->ID);
+    if (nullptr == successor)
+    {
+        m_firstWithId.erase(first);
+    }
+    else
+    {
+        first->second = successor;
+    }
 }
 
 bool DefaultModule::Contains(ParameterModule const* module) const
@@ -112,4 +168,6 @@ void DefaultModule::MoveModules(std::list<ParameterModule*>& out)
         delete link;
     }
     m_tail = nullptr;
+    m_firstWithId.clear();
+    m_firstWithoutData = nullptr;
 }

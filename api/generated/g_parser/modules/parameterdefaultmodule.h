@@ -4,6 +4,7 @@
 #define PARAMETERDEFAULTMODULE_H
 
 #include <list>
+#include <unordered_map>
 
 #include "pdlibvark_export.h"
 
@@ -51,6 +52,19 @@ public:
     ParameterModule* m_defaultInstance = nullptr; ///< owned
     ModuleLink*      m_head            = nullptr; ///< owned chain
     ModuleLink*      m_tail            = nullptr;
+
+private:
+    /// The first link at or after `from` whose module has ModuleData of `id`, or none when
+    /// `withoutData`, the first whose module has no ModuleData.
+    static ModuleLink* FirstMatch(ModuleLink* from, bool withoutData, unsigned int id);
+    /// Takes `link`, about to leave the chain, out of the index: its successor in the chain that
+    /// matches as it does stands in for it.
+    void Unindex(ModuleLink* link);
+
+    // The index that makes Find independent of the list's length: a file gives one type many
+    // thousand instances, and every one of them is looked up as it is created.
+    std::unordered_map<unsigned int, ModuleLink*> m_firstWithId;
+    ModuleLink*                                   m_firstWithoutData = nullptr;
 };
 
 #endif // PARAMETERDEFAULTMODULE_H
