@@ -2,11 +2,51 @@
 
 #include "parameterlogging.h"
 
+uint32_t* ParameterMutex::ReaderDepths::Find(std::thread::id reader)
+{
+    for (auto& depth : m_depths)
+    {
+        if (depth.first == reader)
+        {
+            return &depth.second;
+        }
+    }
+    return nullptr;
+}
+
+uint32_t& ParameterMutex::ReaderDepths::Of(std::thread::id reader)
+{
+    uint32_t* depth = Find(reader);
+    if (nullptr != depth)
+    {
+        return *depth;
+    }
+    m_depths.emplace_back(reader, 0u);
+    return m_depths.back().second;
+}
+
+void ParameterMutex::ReaderDepths::Erase(std::thread::id reader)
+{
+    for (auto& depth : m_depths)
+    {
+        if (depth.first == reader)
+        {
+            depth = m_depths.back();
+            m_depths.pop_back();
+            return;
+        }
+    }
+}
+
+bool ParameterMutex::ReaderDepths::OnlyReaderIs(std::thread::id self) const
+{
+    return m_depths.empty() || ((1 == m_depths.size()) && (m_depths.front().first == self));
+}
+
 bool ParameterMutex::WriteAllowed(std::thread::id self) const
 {
     bool noOtherWriter = (0 == m_writeCount) || (m_writeOwner == self);
-    bool noOtherReader = m_readers.empty() || ((1 == m_readers.size()) && (m_readers.begin()->first == self));
-    return noOtherWriter && noOtherReader;
+    return noOtherWriter && m_readers.OnlyReaderIs(self);
 }
 
 void ParameterMutex::Lock(bool shared)
@@ -16,7 +56,7 @@ void ParameterMutex::Lock(bool shared)
     if (shared)
     {
         WaitUntil(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
-        ++m_readers[self];
+        ++m_readers.Of(self);
         return;
     }
 
@@ -43,10 +83,10 @@ void ParameterMutex::Unlock(bool shared)
         if (shared)
         {
             // A thread that holds no read lock changes nothing.
-            auto reader = m_readers.find(self);
-            if ((m_readers.end() != reader) && (0 == --reader->second))
+            uint32_t* depth = m_readers.Find(self);
+            if ((nullptr != depth) && (0 == --*depth))
             {
-                m_readers.erase(reader);
+                m_readers.Erase(self);
             }
         }
         else if (0 != m_writeCount)
@@ -76,12 +116,12 @@ uint32_t ParameterMutex::SuspendShared()
     bool                  waiting = false;
     {
         std::lock_guard<std::mutex> guard(m_mutex);
-        waiting     = (0 != m_waiting);
-        auto reader = m_readers.find(self);
-        if (m_readers.end() != reader)
+        waiting              = (0 != m_waiting);
+        uint32_t const* held = m_readers.Find(self);
+        if (nullptr != held)
         {
-            depth = reader->second;
-            m_readers.erase(reader);
+            depth = *held;
+            m_readers.Erase(self);
         }
     }
     WakeWaiting((0 != depth) && waiting);
@@ -97,7 +137,7 @@ void ParameterMutex::ResumeShared(uint32_t depth)
     const std::thread::id        self = std::this_thread::get_id();
     std::unique_lock<std::mutex> guard(m_mutex);
     WaitUntil(guard, [&] { return (0 == m_writeCount) || (m_writeOwner == self); });
-    m_readers[self] += depth;
+    m_readers.Of(self) += depth;
 }
 
 ParameterMutexLock::ParameterMutexLock(ParameterMutex* lock, bool sharedSide, bool condition)

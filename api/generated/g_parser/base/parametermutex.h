@@ -4,9 +4,10 @@
 
 #include <condition_variable>
 #include <cstdint>
-#include <map>
 #include <mutex>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "pdlibvark_export.h"
 
@@ -37,6 +38,23 @@ public:
     void ResumeShared(uint32_t depth);
 
 private:
+    /// The reading threads and their depths. A handful at most, so a vector that keeps its
+    /// room: taking and giving back a read lock allocates nothing.
+    class ReaderDepths
+    {
+    public:
+        /// The depth of `reader`, or null when it holds no read lock.
+        uint32_t* Find(std::thread::id reader);
+        /// The depth of `reader`, added at 0 when it held none.
+        uint32_t& Of(std::thread::id reader);
+        void      Erase(std::thread::id reader);
+        /// Whether no thread but `self` reads.
+        bool OnlyReaderIs(std::thread::id self) const;
+
+    private:
+        std::vector<std::pair<std::thread::id, uint32_t>> m_depths;
+    };
+
     bool WriteAllowed(std::thread::id self) const;
     /// Waits on m_condition until `ready` holds, counted in m_waiting so that an unlock wakes
     /// only when somebody waits. `guard` holds m_mutex.
@@ -60,12 +78,12 @@ private:
         }
     }
 
-    std::mutex                          m_mutex;          ///< held only for the bookkeeping below
-    uint32_t                            m_writeCount = 0; ///< depth of the write side; 0: no writer
-    std::thread::id                     m_writeOwner;     ///< cleared when m_writeCount reaches 0
-    std::map<std::thread::id, uint32_t> m_readers;        ///< reading threads and their depths
-    std::condition_variable             m_condition;      ///< woken by an unlock while a thread waits
-    uint32_t                            m_waiting = 0;    ///< threads blocked in WaitUntil
+    std::mutex              m_mutex;          ///< held only for the bookkeeping below
+    uint32_t                m_writeCount = 0; ///< depth of the write side; 0: no writer
+    std::thread::id         m_writeOwner;     ///< cleared when m_writeCount reaches 0
+    ReaderDepths            m_readers;
+    std::condition_variable m_condition;   ///< woken by an unlock while a thread waits
+    uint32_t                m_waiting = 0; ///< threads blocked in WaitUntil
 };
 
 /// Locks a ParameterMutex for a scope, when `condition` holds (code whose need for the lock
