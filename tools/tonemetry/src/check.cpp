@@ -164,28 +164,6 @@ LoadOutcome LoadInFileMode(const std::string& managerName, const std::string& pa
     return outcome;
 }
 
-/// The manager whose catalogue knows most of the file's modules: the one that finds the fewest
-/// unknown types in a buffer-mode load.
-std::string LikeliestManager(const std::vector<uint8_t>& image)
-{
-    std::string chosen;
-    size_t      fewest = SIZE_MAX;
-    for (const std::string& name : SetManagerNames())
-    {
-        const LoadOutcome outcome = LoadInBufferMode(name, image);
-        const size_t      unknown =
-            outcome.loaded ? std::count_if(outcome.modules.begin(), outcome.modules.end(),
-                                                [](const ModuleOutcome& module) { return "unknown type" == module.result; })
-                                : SIZE_MAX - 1;
-        if (unknown < fewest)
-        {
-            fewest = unknown;
-            chosen = name;
-        }
-    }
-    return chosen;
-}
-
 bool AllWell(const LoadOutcome& outcome)
 {
     return outcome.loaded &&

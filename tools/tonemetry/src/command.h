@@ -30,6 +30,9 @@ void AddLiveCommand(CLI::App& app, int* status);
 /// would, with the store's error and warning lines and each module's fate; 1 when a device
 /// would refuse the file or skip or fail a module.
 void AddCheckCommand(CLI::App& app, int* status);
+/// `diff A B [--json] [--timeout S]`, A and B each a file or live:HOST[:PORT]: the modes, modules
+/// and value texts that differ; 1 when anything differs.
+void AddDiffCommand(CLI::App& app, int* status);
 } // namespace tonemetry
 
 #endif // TONEMETRY_COMMAND_H

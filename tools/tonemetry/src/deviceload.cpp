@@ -87,6 +87,31 @@ void StoreLogCapture::Sink(uint64_t, const char*, uint32_t level, const char* pL
     static_cast<StoreLogCapture*>(pContext)->m_lines.push_back({warning ? "warning" : "error", std::move(text)});
 }
 
+std::string LikeliestManager(const std::vector<uint8_t>& image)
+{
+    std::string chosen;
+    size_t      fewest = SIZE_MAX;
+    for (const std::string& name : SetManagerNames())
+    {
+        std::vector<uint8_t>                 copy    = image; // the load may write to its buffer
+        std::unique_ptr<ParameterSetManager> manager = MakeSetManager(name);
+        StoreLogCapture                      capture;
+        size_t                               unknown = SIZE_MAX - 1;
+        if (manager->LoadBinaryParameters(copy.data(), static_cast<unsigned long>(copy.size())))
+        {
+            unknown = std::count_if(capture.Lines().begin(), capture.Lines().end(), [](const LoggedLine& line) {
+                return 0 == line.text.rfind("Failed to find header module", 0);
+            });
+        }
+        if (unknown < fewest)
+        {
+            fewest = unknown;
+            chosen = name;
+        }
+    }
+    return chosen;
+}
+
 std::string NamedModePath(const ModeEntry* mode)
 {
     ModePath path;

@@ -40,6 +40,10 @@ private:
     std::vector<LoggedLine> m_lines;
 };
 
+/// The manager whose catalogue knows most of the file's modules: the one that finds the fewest
+/// unknown types in a buffer-mode load.
+std::string LikeliestManager(const std::vector<uint8_t>& image);
+
 /// The named path of a mode of a loaded tree ("Default", "Default|Usecase.Video").
 std::string NamedModePath(const ModeEntry* mode);
 } // namespace tonemetry

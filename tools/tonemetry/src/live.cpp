@@ -9,10 +9,10 @@
 
 #include "command.h"
 #include "device.h"
+#include "deviceclient.h"
 #include "liveoutput.h"
 #include "livereply.h"
 #include "modepath.h"
-#include "ravlenconnection.h"
 
 namespace tonemetry
 {
@@ -107,48 +107,17 @@ bool IsReplyTo(const LiveQuery& query, const ravlen::Bytes& packet)
            ((packet.size() >= ravlen::IdHeaderSize) && (ravlen::U32At(packet, 6) == ravlen::U32At(query.request, 6)));
 }
 
-/// One request and its reply, on a connection of its own: the link serves one client at a time,
-/// so a command that asks more than once connects for each question. Trouble is said on
-/// standard error.
+/// One request and its reply; trouble is said on standard error.
 int Exchange(const LiveOptions& options, const LiveQuery& query, ravlen::Bytes* reply)
 {
-    const std::string where = options.device.ToString();
-    if (query.request.size() > UINT16_MAX)
+    std::string trouble;
+    const auto  isReply = [&query](const ravlen::Bytes& packet) { return IsReplyTo(query, packet); };
+    if (!ExchangeWithDevice(options.device, options.timeout, query.request, isReply, reply, &trouble))
     {
-        std::fprintf(stderr, "tonemetry live: the request of %zu bytes does not fit a packet of %u\n",
-                     query.request.size(), static_cast<unsigned>(UINT16_MAX));
+        std::fprintf(stderr, "tonemetry live: %s\n", trouble.c_str());
         return ExitTrouble;
     }
-    const auto deadline =
-        std::chrono::steady_clock::now() +
-        std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(options.timeout));
-    ravlen::Connection connection;
-    std::string        error;
-    if (!connection.Connect(options.device.host, options.device.port, deadline, &error))
-    {
-        std::fprintf(stderr, "tonemetry live: cannot connect to %s: %s\n", where.c_str(), error.c_str());
-        return ExitTrouble;
-    }
-    if (!connection.Send(query.request))
-    {
-        std::fprintf(stderr, "tonemetry live: %s closed the connection\n", where.c_str());
-        return ExitTrouble;
-    }
-    for (;;)
-    {
-        *reply = connection.Receive(deadline);
-        if (reply->empty())
-        {
-            std::fprintf(stderr, "tonemetry live: no reply from %s within %g seconds\n", where.c_str(),
-                         options.timeout);
-            return ExitTrouble;
-        }
-        if (IsReplyTo(query, *reply))
-        {
-            return ExitSuccess;
-        }
-        // a stray packet ahead of ours
-    }
+    return ExitSuccess;
 }
 
 int RunLive(const LiveOptions& options, const LiveQuery& query)
@@ -179,14 +148,13 @@ std::vector<NamedValue> ReplyValues(const ravlen::Bytes& reply)
 /// Asks the device for something and hands back the text of its reply; trouble is said.
 int Ask(const LiveOptions& options, ravlen::Command command, const std::string& payload, std::string* body)
 {
-    LiveQuery query;
-    query.request      = ravlen::Request(command, RequestId, payload);
-    query.replyCommand = command;
-    query.echoesId     = true;
-    ravlen::Bytes reply;
-    const int     status = Exchange(options, query, &reply);
-    *body                = (ExitSuccess == status) ? ReplyText(reply, ravlen::IdHeaderSize) : std::string();
-    return status;
+    std::string trouble;
+    if (!AskDevice(options.device, options.timeout, command, payload, body, &trouble))
+    {
+        std::fprintf(stderr, "tonemetry live: %s\n", trouble.c_str());
+        return ExitTrouble;
+    }
+    return ExitSuccess;
 }
 
 /// A get came back empty: the device's info rows tell whether the module or the member is

@@ -13,6 +13,7 @@ int main(int argc, char** argv)
     tonemetry::AddServeCommand(app, &status);
     tonemetry::AddLiveCommand(app, &status);
     tonemetry::AddCheckCommand(app, &status);
+    tonemetry::AddDiffCommand(app, &status);
     try
     {
         app.parse(argc, argv);
