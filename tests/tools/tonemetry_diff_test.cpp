@@ -76,6 +76,8 @@ TEST_F(TonemetryDiff, FilesThatDifferInOneValueOneModuleAndOneMode)
     PackSample("a.bin");
     PackSample("b.bin", [](ordered_json& source) {
         VideoThreshold(175)(source);
+        source["modules"][0]["values"]["HVControl"] = {
+            {"horizontalConfWeightTuning", {{{"weight", 0.5}, {"confThreshold", 3}}}}};
         source["modes"].push_back({{"name", "Scene.Snow"}, {"parent", "Default"}});
         source["modules"].push_back(
             {{"name", "tonemetryPDAF"}, {"mode", "Default"}, {"values", ordered_json::object()}});
@@ -84,14 +86,25 @@ TEST_F(TonemetryDiff, FilesThatDifferInOneValueOneModuleAndOneMode)
     ProcessResult json = Tool({"diff", PathOf("a.bin"), PathOf("b.bin"), "--json"});
     EXPECT_EQ(1, json.exitStatus) << json.err;
     // The module stands in the root and so resolves in Usecase.Video too; the mode that only b
-    // has is named once, without its modules.
+    // has is named once, without its modules; the list element that only b has gives values
+    // that a lacks.
     const ordered_json expected = {
         {"modes", {{{"mode", "Default|Scene.Snow"}, {"only_in", "b"}}}},
         {"modules",
          {{{"mode", "Default"}, {"module", "tonemetryPDAF"}, {"only_in", "b"}},
           {{"mode", "Default|Usecase.Video"}, {"module", "tonemetryPDAF"}, {"only_in", "b"}}}},
         {"values",
-         {{{"mode", "Default|Usecase.Video"},
+         {{{"mode", "Default"},
+           {"path", "tonemetryPDLib.HVControl.horizontalConfWeightTuning[0]"},
+           {"name", "confThreshold"},
+           {"a", nullptr},
+           {"b", "3"}},
+          {{"mode", "Default"},
+           {"path", "tonemetryPDLib.HVControl.horizontalConfWeightTuning[0]"},
+           {"name", "weight"},
+           {"a", nullptr},
+           {"b", "0.5"}},
+          {{"mode", "Default|Usecase.Video"},
            {"path", "tonemetryPDLib.correlation"},
            {"name", "defocusConfidenceThreshold"},
            {"a", "150.0"},
@@ -103,6 +116,8 @@ TEST_F(TonemetryDiff, FilesThatDifferInOneValueOneModuleAndOneMode)
     EXPECT_EQ("mode Default|Scene.Snow: only in a\n"
               "module tonemetryPDAF in Default: only in a\n"
               "module tonemetryPDAF in Default|Usecase.Video: only in a\n"
+              "value Default tonemetryPDLib.HVControl.horizontalConfWeightTuning[0] confThreshold: a 3, b (none)\n"
+              "value Default tonemetryPDLib.HVControl.horizontalConfWeightTuning[0] weight: a 0.5, b (none)\n"
               "value Default|Usecase.Video tonemetryPDLib.correlation defocusConfidenceThreshold: a 175.0, b 150.0\n",
               readable.out);
 }

@@ -64,11 +64,18 @@ std::unique_ptr<FileSide> FileSide::Load(const std::string& path, std::string* e
     return std::unique_ptr<FileSide>(new FileSide(std::move(manager)));
 }
 
-std::string FileSide::Shorthand(const std::string& mode)
+const std::string& FileSide::Shorthand(const std::string& mode)
 {
-    char text[ShorthandSize] = {};
-    m_manager->GetModeShorthand(mode.c_str(), text, sizeof(text));
-    return text;
+    // A walk asks about one mode many times in a row.
+    if (mode != m_shorthandOf)
+    {
+        char text[ShorthandSize];
+        text[0] = '\0';
+        m_manager->GetModeShorthand(mode.c_str(), text, sizeof(text));
+        m_shorthandOf = mode;
+        m_shorthand   = text;
+    }
+    return m_shorthand;
 }
 
 std::vector<std::string> FileSide::ModePaths()

@@ -29,12 +29,14 @@ private:
     explicit FileSide(std::unique_ptr<ParameterSetManager> manager) : m_manager(std::move(manager)) {}
     /// The numbered form of a named mode path that the store's text access reads ("0.0|2.2"),
     /// as the live link makes it.
-    std::string Shorthand(const std::string& mode);
+    const std::string& Shorthand(const std::string& mode);
 
     static constexpr unsigned ShorthandSize = 4096;
 
     std::unique_ptr<ParameterSetManager> m_manager;
     std::vector<char>                    m_text = std::vector<char>(1u << 20); ///< GetValue's output
+    std::string                          m_shorthandOf;                        ///< the mode of m_shorthand
+    std::string                          m_shorthand;
 };
 } // namespace tonemetry
 

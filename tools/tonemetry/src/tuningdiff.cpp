@@ -127,28 +127,24 @@ std::vector<std::string> MergedNames(TuningSide& a, TuningSide& b)
     return {names.begin(), names.end()};
 }
 
+/// Both maps are sorted alike: one walk through the two in step.
 void CompareValues(const std::string& mode, const ValueTexts& a, const ValueTexts& b, TuningDiff* diff)
 {
-    std::set<std::pair<std::string, std::string>> keys;
-    for (const ValueTexts* texts : {&a, &b})
+    auto inA = a.begin();
+    auto inB = b.begin();
+    while ((a.end() != inA) || (b.end() != inB))
     {
-        for (const auto& entry : *texts)
-        {
-            keys.insert(entry.first);
-        }
-    }
-    for (const auto& key : keys)
-    {
-        const auto                 inA = a.find(key);
-        const auto                 inB = b.find(key);
+        const bool                 takeA = (b.end() == inB) || ((a.end() != inA) && (inA->first <= inB->first));
+        const bool                 takeB = (a.end() == inA) || ((b.end() != inB) && (inB->first <= inA->first));
+        const auto&                key   = takeA ? inA->first : inB->first;
         std::optional<std::string> textA, textB;
-        if (a.end() != inA)
+        if (takeA)
         {
-            textA = inA->second;
+            textA = (inA++)->second;
         }
-        if (b.end() != inB)
+        if (takeB)
         {
-            textB = inB->second;
+            textB = (inB++)->second;
         }
         if (textA != textB)
         {

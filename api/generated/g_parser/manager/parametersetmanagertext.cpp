@@ -11,8 +11,10 @@ namespace
 {
 // A module name is cut from the value path into a local of this size.
 constexpr unsigned int ModuleNameSize = 65;
-constexpr unsigned int PathTextSize   = 4096;
-constexpr unsigned int ValueTextSize  = 65535;
+// The path and value work buffers get only an empty text, not a fill: every writer terminates
+// what it writes, and filling 64 KiB for each value was most of a read's time.
+constexpr unsigned int PathTextSize  = 4096;
+constexpr unsigned int ValueTextSize = 65535;
 // Each value that the row walk of GetValue fetches.
 constexpr unsigned int RowValueSize = 65;
 constexpr unsigned int ModeTextSize = 128;
@@ -52,14 +54,16 @@ bool GetNamedValues(ParameterModule* module, char const* path, uint32_t nameLeng
         {
             ++cursor;
         }
-        char relative[PathTextSize] = "";
+        char relative[PathTextSize];
+        relative[0] = '\0';
         if (nullptr != prefix)
         {
             Append(relative, sizeof(relative), prefix);
             Append(relative, sizeof(relative), ".");
         }
         Append(relative, sizeof(relative), name);
-        char value[ValueTextSize] = "";
+        char value[ValueTextSize];
+        value[0] = '\0';
         // Required: the result is the last name's; earlier ones show only in the text.
         result = module->GetValue(relative, value, sizeof(value));
         if (result)
@@ -84,14 +88,16 @@ bool GetRowValues(ParameterModule* module, char const* rest, PList<ParameterPars
         {
             continue;
         }
-        char relative[PathTextSize] = "";
+        char relative[PathTextSize];
+        relative[0] = '\0';
         Append(relative, sizeof(relative), rest);
         if (nullptr != row.Name)
         {
             Append(relative, sizeof(relative), ".");
             Append(relative, sizeof(relative), row.Name);
         }
-        char value[RowValueSize] = "";
+        char value[RowValueSize];
+        value[0] = '\0';
         if (0 != row.IsArray)
         {
             AppendItem(out, size, 0 == written, row.Name, "");
@@ -133,7 +139,8 @@ bool GetPathValues(ParameterModule* module, char const* rest, char* out, unsigne
     {
         return GetRowValues(module, rest, rows, out, size);
     }
-    char value[ValueTextSize] = "";
+    char value[ValueTextSize];
+    value[0] = '\0';
     if (!module->GetValue(rest, value, sizeof(value)))
     {
         return false;
@@ -223,7 +230,8 @@ bool ParameterSetManager::SetValue(TuningMode const* modeBranch, unsigned int mo
     }
     // Required: unlike GetValue, a one-character part counts, and a path ending in the dot
     // gives a relative path with a leading dot.
-    char relative[PathTextSize] = "";
+    char relative[PathTextSize];
+    relative[0] = '\0';
     if (strlen(path) > nameLength)
     {
         Append(relative, sizeof(relative), path + nameLength + 1);
