@@ -18,8 +18,8 @@ JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_FLAGS ?=
 
 BASE_PACKAGES  := cmake ninja-build g++ make
-TEST_PACKAGES  := libgtest-dev libgmock-dev python3
-TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev
+TEST_PACKAGES  := libgtest-dev libgmock-dev python3 chromium chromium-driver python3-selenium
+TOOL_PACKAGES  := nlohmann-json3-dev libcli11-dev libcpp-httplib-dev libjs-chart.js pkgconf
 FORMAT_PACKAGES := clang-format
 BENCH_PACKAGES := libbenchmark-dev valgrind zlib1g-dev
 FUZZ_PACKAGES  := clang libclang-rt-14-dev

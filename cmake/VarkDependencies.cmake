@@ -1,6 +1,8 @@
 # The libraries of Debian that the tools and tests use, found once for the whole tree.
 include_guard(GLOBAL)
 
+find_package(Threads REQUIRED)
+
 if(CMAKE_CROSSCOMPILING)
     # nlohmann/json and CLI11 are headers only, with no machine code: the build machine's copies
     # serve the cross build too. Only their own folders go on the include path, never the build
@@ -17,6 +19,14 @@ if(CMAKE_CROSSCOMPILING)
 else()
     find_package(nlohmann_json REQUIRED)
     find_package(CLI11 REQUIRED)
+endif()
+
+# cpp-httplib, for the page of tonemetry ui: Debian builds it as a library, with the
+# definitions its header must be read with in its pkg-config file. A cross build finds none for
+# the target and builds tonemetry without ui.
+if(NOT CMAKE_CROSSCOMPILING)
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
 endif()
 
 if(VARK_BUILD_TESTS)

@@ -29,7 +29,7 @@ set(CPACK_COMPONENT_TOOLS_DESCRIPTION "tonemetry, pdlib-run and modulegen: tools
 set(sameVersion "(= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "liborvocommonutils0 ${sameVersion}")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "pdlibvark0 ${sameVersion}")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "pdlibvark0 ${sameVersion}, pdlibvark-dev ${sameVersion}")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "pdlibvark0 ${sameVersion}, pdlibvark-dev ${sameVersion}, libjs-chart.js")
 
 if(CMAKE_CROSSCOMPILING)
     # dpkg-shlibdeps cannot read the target's libraries here: the C and C++ runtimes by hand.

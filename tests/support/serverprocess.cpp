@@ -31,18 +31,17 @@ ServerProcess::~ServerProcess()
     }
 }
 
-std::optional<unsigned> ServerProcess::WaitForPort(std::chrono::milliseconds bound)
+std::optional<std::string> ServerProcess::WaitForLine(const std::string& prefix, std::chrono::milliseconds bound)
 {
     const auto deadline = std::chrono::steady_clock::now() + bound;
     while (std::chrono::steady_clock::now() < deadline)
     {
-        unsigned          port = 0;
-        const std::string out  = Out();
-        const size_t      line = out.find("listening on port ");
-        if ((std::string::npos != line) && (std::string::npos != out.find('\n', line)) &&
-            (1 == std::sscanf(out.c_str() + line, "listening on port %u", &port)))
+        const std::string out   = Out();
+        const size_t      start = out.find(prefix);
+        const size_t      end   = (std::string::npos == start) ? start : out.find('\n', start);
+        if (std::string::npos != end)
         {
-            return port;
+            return out.substr(start + prefix.size(), end - start - prefix.size());
         }
         if (m_pid <= 0 || (0 != waitpid(m_pid, nullptr, WNOHANG)))
         {
@@ -52,6 +51,17 @@ std::optional<unsigned> ServerProcess::WaitForPort(std::chrono::milliseconds bou
         std::this_thread::sleep_for(PollStep);
     }
     return std::nullopt;
+}
+
+std::optional<unsigned> ServerProcess::WaitForPort(std::chrono::milliseconds bound)
+{
+    const std::optional<std::string> rest = WaitForLine("listening on port ", bound);
+    unsigned                         port = 0;
+    if (!rest || (1 != std::sscanf(rest->c_str(), "%u", &port)))
+    {
+        return std::nullopt;
+    }
+    return port;
 }
 
 void ServerProcess::Signal(int signal) const

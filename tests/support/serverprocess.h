@@ -24,6 +24,9 @@ public:
     ServerProcess(const ServerProcess&)            = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
 
+    /// The rest of the first whole line of standard output that begins with `prefix`, once it
+    /// has been written; nothing when the program ends first or `bound` passes.
+    std::optional<std::string> WaitForLine(const std::string& prefix, std::chrono::milliseconds bound);
     /// The port of the first "listening on port N" line, once it has been written; nothing
     /// when the program ends first or `bound` passes.
     std::optional<unsigned> WaitForPort(std::chrono::milliseconds bound);

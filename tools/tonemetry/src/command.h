@@ -33,6 +33,9 @@ void AddCheckCommand(CLI::App& app, int* status);
 /// `diff A B [--json] [--timeout S]`, A and B each a file or live:HOST[:PORT]: the modes, modules
 /// and value texts that differ; 1 when anything differs.
 void AddDiffCommand(CLI::App& app, int* status);
+/// `ui FILE | live:HOST[:PORT] [--listen ADDR:PORT] [--no-open]`: serves the live tuning page
+/// and prints "open http://ADDR:PORT/"; runs until SIGINT or SIGTERM.
+void AddUiCommand(CLI::App& app, int* status);
 } // namespace tonemetry
 
 #endif // TONEMETRY_COMMAND_H

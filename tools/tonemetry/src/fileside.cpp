@@ -61,7 +61,7 @@ std::unique_ptr<FileSide> FileSide::Load(const std::string& path, std::string* e
         *error                 = path + ": " + text;
         return nullptr;
     }
-    return std::unique_ptr<FileSide>(new FileSide(std::move(manager)));
+    return std::unique_ptr<FileSide>(new FileSide(std::move(manager), path));
 }
 
 const std::string& FileSide::Shorthand(const std::string& mode)
@@ -107,7 +107,8 @@ std::optional<std::vector<InfoRow>> FileSide::Info(const std::string& mode, cons
 {
     PList<ParameterParserInfo> list;
     std::vector<InfoRow>       rows;
-    if (m_manager->GetInfo(Shorthand(mode).c_str(), path.c_str(), list))
+    // The root's module list is asked without a path, as the link asks it for an empty one.
+    if (m_manager->GetInfo(Shorthand(mode).c_str(), path.empty() ? nullptr : path.c_str(), list))
     {
         for (uint32_t index = 0; index < list.count; ++index)
         {
@@ -129,5 +130,56 @@ std::optional<std::vector<NamedValue>> FileSide::Values(const std::string& mode,
     m_manager->GetValue(Shorthand(mode).c_str(), path.c_str(), joined.c_str(), m_text.data(),
                         static_cast<unsigned>(m_text.size()));
     return ParseNamedValues(m_text.data(), ';');
+}
+std::optional<std::vector<std::string>> FileSide::ChildModes(const std::string& mode)
+{
+    m_text[0] = '\0';
+    m_manager->GetChildModes(Shorthand(mode).c_str(), reinterpret_cast<unsigned char*>(m_text.data()),
+                             static_cast<unsigned>(m_text.size()));
+    return SplitItems(m_text.data(), ',');
+}
+
+std::optional<std::vector<NamedValue>> FileSide::Set(const std::string& mode, const std::string& path,
+                                                     const std::vector<NamedValue>& items)
+{
+    // As the link does it: each item set, then read back.
+    std::vector<NamedValue> held;
+    for (const NamedValue& item : items)
+    {
+        if (m_manager->SetValue(Shorthand(mode).c_str(), path.c_str(), item.name.c_str(), item.value.c_str()))
+        {
+            const auto value = Values(mode, path, {item.name});
+            held.insert(held.end(), value->begin(), value->end());
+        }
+    }
+    return held;
+}
+
+std::optional<std::vector<std::string>> FileSide::ActiveModes()
+{
+    m_text[0] = '\0';
+    m_manager->GetActiveModes(m_text.data(), LinkTextSize);
+    return SplitItems(m_text.data(), ';');
+}
+
+std::optional<std::vector<NamedValue>> FileSide::ControlValues()
+{
+    m_text[0] = '\0';
+    m_manager->GetControlValues(m_text.data(), LinkTextSize);
+    return ParseNamedValues(m_text.data(), ',');
+}
+
+std::optional<std::vector<NamedValue>> FileSide::TriggerValues()
+{
+    m_text[0] = '\0';
+    m_manager->GetTriggerValues(m_text.data(), LinkTextSize);
+    return ParseNamedValues(m_text.data(), ',');
+}
+
+std::optional<DeviceInfo> FileSide::Device()
+{
+    DeviceInfo info;
+    info.name = "file " + m_path;
+    return info;
 }
 } // namespace tonemetry

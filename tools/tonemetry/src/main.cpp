@@ -14,6 +14,9 @@ int main(int argc, char** argv)
     tonemetry::AddLiveCommand(app, &status);
     tonemetry::AddCheckCommand(app, &status);
     tonemetry::AddDiffCommand(app, &status);
+#ifdef VARK_TONEMETRY_UI
+    tonemetry::AddUiCommand(app, &status);
+#endif
     try
     {
         app.parse(argc, argv);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "command.h"
+#include "stopsignals.h"
 #include "g_tonemetry/tuningsetmanager.h"
 
 namespace tonemetry
@@ -18,21 +19,11 @@ struct ServeOptions
     bool        bufferMode = false;
 };
 
-sigset_t StopSignals()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    return signals;
-}
-
 int RunServe(const ServeOptions& options)
 {
     // Blocked before the load starts the link's threads, which inherit the mask: the signals
     // then wait for sigwait below and no handler runs anywhere.
-    const sigset_t signals = StopSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    const sigset_t signals = BlockStopSignals();
 
     auto manager = std::make_unique<TuningSetManager>();
     // The manager reads the file itself in both modes; buffer mode copies it whole at once.
@@ -54,10 +45,7 @@ int RunServe(const ServeOptions& options)
     std::printf("listening on port %u\n", static_cast<unsigned>(port));
     std::fflush(stdout);
 
-    int received = 0;
-    while ((0 != sigwait(&signals, &received)) || ((SIGINT != received) && (SIGTERM != received)))
-    {
-    }
+    WaitForStopSignal(signals);
     // The manager's destructor stops the link before its modules go.
     manager.reset();
     return ExitSuccess;

@@ -8,32 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "livereply.h"
+#include "tuningside.h"
 
 namespace tonemetry
 {
-/// One side of a comparison, asked through the store's text access.
-class TuningSide
-{
-public:
-    virtual ~TuningSide() = default;
-
-    /// Every mode of the tree, named with the root ("Default", "Default|Usecase.Video"), parents
-    /// before children, siblings in the tree's order.
-    virtual std::vector<std::string> ModePaths() = 0;
-    /// The module names that may resolve in some mode.
-    virtual std::vector<std::string> ModuleNames() = 0;
-    /// The rows that `path` (a module name, then members) lists in `mode`, none when the path
-    /// does not resolve there; nothing when the side could not be asked.
-    virtual std::optional<std::vector<InfoRow>> Info(const std::string& mode, const std::string& path) = 0;
-    /// The texts of the members `names` of the record at `path` in `mode`, as `name=value`
-    /// items; nothing when the side could not be asked.
-    virtual std::optional<std::vector<NamedValue>> Values(const std::string& mode, const std::string& path,
-                                                          const std::vector<std::string>& names) = 0;
-    /// What went wrong when a question got no answer, for the user.
-    virtual std::string Trouble() const = 0;
-};
-
 /// One finding; `onlyIn` names the side ("a" or "b") that alone has the mode or the module.
 struct ModeDifference
 {
