@@ -220,6 +220,7 @@ async function renderRecord(container, mode, path) {
     showStatus(`${path}: ${error.message}`, 'error');
     return;
   }
+  // Each value keeps its place among the records; the texts come in one request afterwards.
   const leaves = [];
   for (const row of rows) {
     if (!row.name || row.type === 'Module') {
@@ -234,11 +235,13 @@ async function renderRecord(container, mode, path) {
           if (details.open && details.children.length === 1) {
             renderRecord(details, mode, `${path}.${name}`);
           }
-        }, { once: false });
+        });
         container.append(details);
       }
     } else {
-      leaves.push(row);
+      const slot = element('div');
+      container.append(slot);
+      leaves.push({ row, slot });
     }
   }
   if (leaves.length === 0) {
@@ -246,20 +249,20 @@ async function renderRecord(container, mode, path) {
   }
   let texts;
   try {
-    texts = new Map((await get('values', { mode, path, names: leaves.map((row) => row.name).join(',') }))
+    texts = new Map((await get('values', { mode, path, names: leaves.map((leaf) => leaf.row.name).join(',') }))
       .values.map((item) => [item.name, item.value]));
   } catch (error) {
     showStatus(`${path}: ${error.message}`, 'error');
     return;
   }
-  for (const row of leaves) {
+  for (const { row, slot } of leaves) {
     const text = texts.get(row.name) ?? '';
     if (row.count !== undefined) {
-      container.append(arrayView(mode, path, row, text));
+      slot.append(arrayView(mode, path, row, text));
     } else {
       const { line, input } = valueRow(mode, path, row);
       showValue(input, text);
-      container.append(line);
+      slot.append(line);
     }
   }
 }
