@@ -112,6 +112,12 @@ void ReplaceAll(std::string* text, const std::string& from, const std::string& t
 UiServer::UiServer(std::unique_ptr<TuningSide> side, std::string source, UiSettings settings)
     : m_side(std::move(side)), m_source(std::move(source)), m_settings(std::move(settings)), m_token(RandomToken())
 {
+    // An answer goes out in more than one write: without this, the browser's delayed
+    // acknowledgement holds each reply for tens of milliseconds. And a kept-alive connection
+    // is looked at again only every 10 ms by the library as Debian builds it, which a new
+    // loopback connection per request beats.
+    m_server.set_tcp_nodelay(true);
+    m_server.set_keep_alive_max_count(1);
     m_server.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         return Admit(request, response) ? httplib::Server::HandlerResponse::Unhandled
                                         : httplib::Server::HandlerResponse::Handled;
