@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "statslayout.h"
+#include "scratchdirectory.h"
 #include "subprocess.h"
 
 namespace
@@ -49,10 +49,6 @@ class PdlibRunTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        std::string pattern = (std::filesystem::path(::testing::TempDir()) / "pdlibrun.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory = pattern;
-
         WriteText("patch.json", PatchCalibration);
         WriteBytes("patch.bin", MakeFormat2Buffer(FlexibleMode, PatchWindows));
         WriteBytes("mode3.bin", {0x01, 0xC0});
@@ -64,8 +60,6 @@ protected:
         shortArray["slopeData"].erase(3);
         WriteText("short-array.json", shortArray.dump());
     }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
 
     static std::vector<uint8_t> MakeFormat2Buffer(uint32_t areaMode, const WindowRecord (&windows)[8])
     {
@@ -85,12 +79,12 @@ protected:
 
     void WriteText(const std::string& name, const std::string& text) const
     {
-        std::ofstream(m_directory + "/" + name) << text;
+        std::ofstream(m_scratch.PathOf(name)) << text;
     }
 
     void WriteBytes(const std::string& name, const std::vector<uint8_t>& bytes) const
     {
-        std::ofstream(m_directory + "/" + name, std::ios::binary)
+        std::ofstream(m_scratch.PathOf(name), std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
 
@@ -101,7 +95,7 @@ protected:
         {
             if ('@' == argument.front())
             {
-                argument = m_directory + "/" + argument.substr(1);
+                argument = m_scratch.PathOf(argument.substr(1));
             }
         }
         return testsupport::RunProcess(PDLIB_RUN_EXECUTABLE, arguments, m_directory);
@@ -117,7 +111,8 @@ protected:
         return json::parse(result.out, nullptr, false);
     }
 
-    std::string m_directory;
+    testsupport::ScratchDirectory m_scratch{"pdlibrun"};
+    const std::string             m_directory = m_scratch.Path();
 };
 
 std::vector<std::string> PatchRun(std::initializer_list<std::string> extra = {})
@@ -216,7 +211,7 @@ TEST_F(PdlibRunTest, PicturesHoldOneCellPerWindowAndKnotWithItsValue)
 
         // Parsed as XML by the build machine's python3: cells in window order, titled by value.
         const ProcessResult parsed =
-            testsupport::RunHostProcess("python3", {SVG_CELLS_SCRIPT, m_directory + "/frame.svg"}, m_directory);
+            testsupport::RunHostProcess("python3", {SVG_CELLS_SCRIPT, m_scratch.PathOf("frame.svg")}, m_directory);
         ASSERT_EQ(0, parsed.exitStatus) << parsed.err;
         const json  maps    = json::parse(parsed.out);
         const json& windows = report["windows"];
@@ -235,7 +230,7 @@ TEST_F(PdlibRunTest, PicturesHoldOneCellPerWindowAndKnotWithItsValue)
         EXPECT_EQ(windows.size(), maps["panels"][2].size());
 
         const ProcessResult grids =
-            testsupport::RunHostProcess("python3", {SVG_CELLS_SCRIPT, m_directory + "/calib.svg"}, m_directory);
+            testsupport::RunHostProcess("python3", {SVG_CELLS_SCRIPT, m_scratch.PathOf("calib.svg")}, m_directory);
         ASSERT_EQ(0, grids.exitStatus) << grids.err;
         const json knots = json::parse(grids.out);
         ASSERT_EQ(2u, knots["panels"].size());
@@ -346,7 +341,7 @@ TEST_F(PdlibRunTest, GeneratorReproducesTheShippedExamples)
     {
         const std::string shipped = contents(std::string(VARK_EXAMPLES_DIR) + "/" + name);
         EXPECT_FALSE(shipped.empty()) << name;
-        EXPECT_EQ(shipped, contents(m_directory + "/" + name)) << name << " differs from the generator's";
+        EXPECT_EQ(shipped, contents(m_scratch.PathOf(name))) << name << " differs from the generator's";
     }
 }
 } // namespace

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "scratchdirectory.h"
 #include "subprocess.h"
 #include "tuningfile/writer.h"
 
@@ -22,17 +22,6 @@ using testsupport::ProcessResult;
 class TonemetryCheck : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetrycheck.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory = pattern;
-    }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
-
-    std::string PathOf(const std::string& name) const { return m_directory + "/" + name; }
-
     ProcessResult Tool(const std::vector<std::string>& arguments) const
     {
         return testsupport::RunProcess(TONEMETRY_EXECUTABLE, arguments, m_directory);
@@ -41,22 +30,23 @@ protected:
     /// The shipped tuning sample packed at `version` into `name`.
     void PackSample(const std::string& name, const std::string& version = "5.0.0") const
     {
-        ProcessResult packed = Tool(
-            {"pack", std::string(VARK_EXAMPLES_DIR) + "/tuning_sample.json", "-o", PathOf(name), "--version", version});
+        ProcessResult packed = Tool({"pack", std::string(VARK_EXAMPLES_DIR) + "/tuning_sample.json", "-o",
+                                     m_scratch.PathOf(name), "--version", version});
         ASSERT_EQ(0, packed.exitStatus) << packed.err;
     }
 
     /// `check --json` of `name` with `extra` arguments; its status in `*status`.
     json Check(const std::string& name, int* status, const std::vector<std::string>& extra = {}) const
     {
-        std::vector<std::string> arguments = {"check", PathOf(name), "--json"};
+        std::vector<std::string> arguments = {"check", m_scratch.PathOf(name), "--json"};
         arguments.insert(arguments.end(), extra.begin(), extra.end());
         ProcessResult result = Tool(arguments);
         *status              = result.exitStatus;
         return json::parse(result.out, nullptr, false);
     }
 
-    std::string m_directory;
+    testsupport::ScratchDirectory m_scratch{"tonemetrycheck"};
+    const std::string             m_directory = m_scratch.Path();
 };
 
 /// The module entries of a report as "mode module: result".
@@ -83,9 +73,10 @@ TEST_F(TonemetryCheck, AFileADeviceLoadsWholeIsReportedModuleByModuleWithStatus0
     EXPECT_EQ(std::vector<std::string>({"Default tonemetryPDLib: loaded", "Usecase.Video tonemetryPDLib: loaded"}),
               Outcomes(report));
 
-    ProcessResult readable = Tool({"check", PathOf("sample.bin")});
+    ProcessResult readable = Tool({"check", m_scratch.PathOf("sample.bin")});
     EXPECT_EQ(0, readable.exitStatus);
-    EXPECT_EQ(PathOf("sample.bin") + ": set manager TuningSetManager\nbuffer mode: loaded\nfile mode: loaded\n" +
+    EXPECT_EQ(m_scratch.PathOf("sample.bin") +
+                  ": set manager TuningSetManager\nbuffer mode: loaded\nfile mode: loaded\n" +
                   "Default tonemetryPDLib: loaded\nUsecase.Video tonemetryPDLib: loaded\n",
               readable.out);
 }
@@ -114,11 +105,11 @@ TEST_F(TonemetryCheck, ARefusedFileGivesTheLibrarysTextAndStatus1)
     PackSample("sample.bin");
     std::vector<uint8_t> image;
     {
-        std::ifstream stream(PathOf("sample.bin"), std::ios::binary);
+        std::ifstream stream(m_scratch.PathOf("sample.bin"), std::ios::binary);
         image.assign(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
     }
     image[image.size() / 2] ^= 0x5A; // the check value no longer holds
-    std::ofstream(PathOf("damaged.bin"), std::ios::binary)
+    std::ofstream(m_scratch.PathOf("damaged.bin"), std::ios::binary)
         .write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
 
     int        status = -1;
@@ -131,7 +122,7 @@ TEST_F(TonemetryCheck, ARefusedFileGivesTheLibrarysTextAndStatus1)
     EXPECT_EQ("error", refusal["level"]);
     EXPECT_EQ(0u, refusal["text"].get<std::string>().find("Binary file CRC validation failed. Expected: ")) << refusal;
 
-    ProcessResult readable = Tool({"check", PathOf("damaged.bin"), "--manager", "TuningSetManager"});
+    ProcessResult readable = Tool({"check", m_scratch.PathOf("damaged.bin"), "--manager", "TuningSetManager"});
     EXPECT_EQ(1, readable.exitStatus);
     EXPECT_NE(std::string::npos, readable.out.find("buffer mode: refused: " + refusal["text"].get<std::string>()))
         << readable.out;
@@ -145,7 +136,7 @@ TEST_F(TonemetryCheck, ModulesOfAnUnknownTypeOrAnotherVersionAreNamedWithTheStor
     std::vector<uint8_t> image;
     std::string          refusal;
     ASSERT_TRUE(tuningfile::Write(model, &image, &refusal)) << refusal;
-    std::ofstream(PathOf("mixed.bin"), std::ios::binary)
+    std::ofstream(m_scratch.PathOf("mixed.bin"), std::ios::binary)
         .write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
 
     int        status = -1;
@@ -163,8 +154,8 @@ TEST_F(TonemetryCheck, ModulesOfAnUnknownTypeOrAnotherVersionAreNamedWithTheStor
 
 TEST_F(TonemetryCheck, UnreadableFilesAndUnknownManagersAreTroubleWithStatus2)
 {
-    EXPECT_EQ(2, Tool({"check", PathOf("missing.bin")}).exitStatus);
+    EXPECT_EQ(2, Tool({"check", m_scratch.PathOf("missing.bin")}).exitStatus);
     PackSample("sample.bin");
-    EXPECT_EQ(2, Tool({"check", PathOf("sample.bin"), "--manager", "NoSetManager"}).exitStatus);
+    EXPECT_EQ(2, Tool({"check", m_scratch.PathOf("sample.bin"), "--manager", "NoSetManager"}).exitStatus);
 }
 } // namespace

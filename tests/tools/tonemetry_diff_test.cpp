@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -13,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "serverprocess.h"
+#include "scratchdirectory.h"
 #include "subprocess.h"
 
 namespace
@@ -24,17 +24,6 @@ using testsupport::ServerProcess;
 class TonemetryDiff : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetrydiff.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory = pattern;
-    }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
-
-    std::string PathOf(const std::string& name) const { return m_directory + "/" + name; }
-
     ProcessResult Tool(const std::vector<std::string>& arguments) const
     {
         return testsupport::RunProcess(TONEMETRY_EXECUTABLE, arguments, m_directory);
@@ -49,12 +38,13 @@ protected:
         {
             edit(source);
         }
-        std::ofstream(PathOf(name + ".json")) << source.dump();
-        ProcessResult packed = Tool({"pack", PathOf(name + ".json"), "-o", PathOf(name)});
+        std::ofstream(m_scratch.PathOf(name + ".json")) << source.dump();
+        ProcessResult packed = Tool({"pack", m_scratch.PathOf(name + ".json"), "-o", m_scratch.PathOf(name)});
         ASSERT_EQ(0, packed.exitStatus) << packed.err;
     }
 
-    std::string m_directory;
+    testsupport::ScratchDirectory m_scratch{"tonemetrydiff"};
+    const std::string             m_directory = m_scratch.Path();
 };
 
 /// The sample's Usecase.Video threshold set to `value`.
@@ -83,7 +73,7 @@ TEST_F(TonemetryDiff, FilesThatDifferInOneValueOneModuleAndOneMode)
             {{"name", "tonemetryPDAF"}, {"mode", "Default"}, {"values", ordered_json::object()}});
     });
 
-    ProcessResult json = Tool({"diff", PathOf("a.bin"), PathOf("b.bin"), "--json"});
+    ProcessResult json = Tool({"diff", m_scratch.PathOf("a.bin"), m_scratch.PathOf("b.bin"), "--json"});
     EXPECT_EQ(1, json.exitStatus) << json.err;
     // The module stands in the root and so resolves in Usecase.Video too; the mode that only b
     // has is named once, without its modules; the list element that only b has gives values
@@ -111,7 +101,7 @@ TEST_F(TonemetryDiff, FilesThatDifferInOneValueOneModuleAndOneMode)
            {"b", "175.0"}}}}};
     EXPECT_EQ(expected, ordered_json::parse(json.out, nullptr, false)) << json.out;
 
-    ProcessResult readable = Tool({"diff", PathOf("b.bin"), PathOf("a.bin")});
+    ProcessResult readable = Tool({"diff", m_scratch.PathOf("b.bin"), m_scratch.PathOf("a.bin")});
     EXPECT_EQ(1, readable.exitStatus);
     EXPECT_EQ("mode Default|Scene.Snow: only in a\n"
               "module tonemetryPDAF in Default: only in a\n"
@@ -126,25 +116,27 @@ TEST_F(TonemetryDiff, EqualFilesAndTroubleStatuses)
 {
     PackSample("a.bin");
     PackSample("same.bin");
-    ProcessResult equal = Tool({"diff", PathOf("a.bin"), PathOf("same.bin"), "--json"});
+    ProcessResult equal = Tool({"diff", m_scratch.PathOf("a.bin"), m_scratch.PathOf("same.bin"), "--json"});
     EXPECT_EQ(0, equal.exitStatus) << equal.err;
     EXPECT_EQ((ordered_json{{"modes", ordered_json::array()},
                             {"modules", ordered_json::array()},
                             {"values", ordered_json::array()}}),
               ordered_json::parse(equal.out, nullptr, false));
-    EXPECT_EQ("", Tool({"diff", PathOf("a.bin"), PathOf("same.bin")}).out);
+    EXPECT_EQ("", Tool({"diff", m_scratch.PathOf("a.bin"), m_scratch.PathOf("same.bin")}).out);
 
-    std::ofstream(PathOf("junk.bin")) << "not a tuning file";
+    std::ofstream(m_scratch.PathOf("junk.bin")) << "not a tuning file";
     struct Case
     {
         std::vector<std::string> arguments;
         std::string              error;
     };
     const Case cases[] = {
-        {{PathOf("a.bin"), PathOf("missing.bin")}, "tonemetry diff: " + PathOf("missing.bin") + ": cannot be read\n"},
-        {{PathOf("junk.bin"), PathOf("a.bin")}, "tonemetry diff: " + PathOf("junk.bin") + ": "},
-        {{"live:127.0.0.1:1", PathOf("a.bin")}, "tonemetry diff: cannot connect to live:127.0.0.1:1: "},
-        {{"live:nohost:x", PathOf("a.bin")}, "tonemetry diff: "},
+        {{m_scratch.PathOf("a.bin"), m_scratch.PathOf("missing.bin")},
+         "tonemetry diff: " + m_scratch.PathOf("missing.bin") + ": cannot be read\n"},
+        {{m_scratch.PathOf("junk.bin"), m_scratch.PathOf("a.bin")},
+         "tonemetry diff: " + m_scratch.PathOf("junk.bin") + ": "},
+        {{"live:127.0.0.1:1", m_scratch.PathOf("a.bin")}, "tonemetry diff: cannot connect to live:127.0.0.1:1: "},
+        {{"live:nohost:x", m_scratch.PathOf("a.bin")}, "tonemetry diff: "},
     };
     for (const Case& run : cases)
     {
@@ -161,19 +153,19 @@ TEST_F(TonemetryDiff, EqualFilesAndTroubleStatuses)
 TEST_F(TonemetryDiff, AServedFileBeforeAndAfterASetOverTheLink)
 {
     PackSample("a.bin");
-    ServerProcess           server(TONEMETRY_EXECUTABLE, {"serve", PathOf("a.bin")}, m_directory);
+    ServerProcess           server(TONEMETRY_EXECUTABLE, {"serve", m_scratch.PathOf("a.bin")}, m_directory);
     std::optional<unsigned> port = server.WaitForPort(std::chrono::seconds(10));
     ASSERT_TRUE(port.has_value()) << server.Err();
     const std::string device = "live:127.0.0.1:" + std::to_string(*port);
 
-    ProcessResult before = Tool({"diff", device, PathOf("a.bin")});
+    ProcessResult before = Tool({"diff", device, m_scratch.PathOf("a.bin")});
     EXPECT_EQ(0, before.exitStatus) << before.err;
     EXPECT_EQ("", before.out);
 
     ProcessResult set =
         Tool({"live", device, "set", "Usecase.Video", "tonemetryPDLib.correlation", "defocusConfidenceThreshold=175"});
     ASSERT_EQ(0, set.exitStatus) << set.err;
-    ProcessResult after = Tool({"diff", device, PathOf("a.bin")});
+    ProcessResult after = Tool({"diff", device, m_scratch.PathOf("a.bin")});
     EXPECT_EQ(1, after.exitStatus) << after.err;
     EXPECT_EQ("value Default|Usecase.Video tonemetryPDLib.correlation defocusConfidenceThreshold: a 175.0, b 150.0\n",
               after.out);

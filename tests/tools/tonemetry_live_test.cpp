@@ -6,11 +6,11 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "linkfixture.h"
+#include "scratchdirectory.h"
 #include "subprocess.h"
 
 namespace
@@ -22,17 +22,12 @@ class TonemetryLive : public linktest::LinkTest
 protected:
     void SetUp() override
     {
-        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetrylive.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory = pattern;
         // The fixture's client would hold the link's one connection.
         ASSERT_NO_FATAL_FAILURE(StartLink());
         m_client->Close();
         m_manager->SetControlValues("3=17,12=0.5");
         m_manager->SetTriggerValues("7=-2");
     }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
 
     ProcessResult Live(const std::vector<std::string>& arguments) const
     {
@@ -50,7 +45,8 @@ protected:
         EXPECT_EQ("", result.err);
     }
 
-    std::string m_directory;
+    testsupport::ScratchDirectory m_scratch{"tonemetrylive"};
+    const std::string             m_directory = m_scratch.Path();
 };
 
 TEST_F(TonemetryLive, DeviceInfoShowsTheTagVersionAndHandle)

@@ -13,6 +13,7 @@
 #include "g_sensor/imagesensormodulesetmanager.h"
 #include "logcapture.h"
 #include "sensorvalues.h"
+#include "scratchdirectory.h"
 #include "subprocess.h"
 
 namespace
@@ -29,20 +30,9 @@ std::vector<uint8_t> ReadBytes(const std::string& path)
 class TonemetryPack : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetrypack.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory = pattern;
-    }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
-
-    std::string PathOf(const std::string& name) const { return m_directory + "/" + name; }
-
     void WriteSource(const std::string& name, const std::string& text) const
     {
-        std::ofstream stream(PathOf(name), std::ios::binary | std::ios::trunc);
+        std::ofstream stream(m_scratch.PathOf(name), std::ios::binary | std::ios::trunc);
         stream << text;
         ASSERT_TRUE(static_cast<bool>(stream));
     }
@@ -86,15 +76,16 @@ protected:
         }
     }
 
-    std::string             m_directory;
-    testsupport::LogCapture m_log; ///< the store's warnings about modules that only a use case holds
+    testsupport::ScratchDirectory m_scratch{"tonemetrypack"};
+    const std::string             m_directory = m_scratch.Path();
+    testsupport::LogCapture       m_log; ///< the store's warnings about modules that only a use case holds
 };
 
 TEST_F(TonemetryPack, EveryModuleOfASourceLoadsMemberByMemberFromThePackedFile)
 {
     WriteSource("all.json", AllModulesSource().dump(2));
-    const std::string output = PathOf("all.bin");
-    ProcessResult     result = Pack({PathOf("all.json"), "-o", output});
+    const std::string output = m_scratch.PathOf("all.bin");
+    ProcessResult     result = Pack({m_scratch.PathOf("all.json"), "-o", output});
     ASSERT_EQ(0, result.exitStatus) << result.err;
     EXPECT_EQ("", result.err);
 
@@ -124,11 +115,12 @@ TEST_P(TonemetryPackVersion, EveryVersionOfTheWriterHoldsEveryModuleAndLoadsInBu
     const std::string version = GetParam();
     const bool        inVideo = version != "1.0.0";
     WriteSource("source.json", AllModulesSource(inVideo).dump());
-    ProcessResult result = Pack({PathOf("source.json"), "-o", PathOf("packed.bin"), "--version", version});
+    ProcessResult result =
+        Pack({m_scratch.PathOf("source.json"), "-o", m_scratch.PathOf("packed.bin"), "--version", version});
     ASSERT_EQ(0, result.exitStatus) << result.err;
     EXPECT_NE(std::string::npos, result.out.find(" bytes, 11 modules, version " + version + "\n"));
 
-    std::vector<uint8_t>        image = ReadBytes(PathOf("packed.bin"));
+    std::vector<uint8_t>        image = ReadBytes(m_scratch.PathOf("packed.bin"));
     ImageSensorModuleSetManager manager;
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
     ExpectAllModules(manager, inVideo);
@@ -148,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, TonemetryPackVersion,
 
 TEST_F(TonemetryPack, TheShippedSensorSamplePacksAndLoads)
 {
-    const std::string output = PathOf("sample.bin");
+    const std::string output = m_scratch.PathOf("sample.bin");
     ProcessResult     result = Pack({std::string(VARK_EXAMPLES_DIR) + "/sensor_sample.json", "-o", output});
     ASSERT_EQ(0, result.exitStatus) << result.err;
     EXPECT_NE(std::string::npos, result.out.find(" bytes, 9 modules, version 5.0.0"));
@@ -196,10 +188,10 @@ TEST_F(TonemetryPack, ModesByNamedPathsBecomeTheTreeOfTheFile)
         {"name": "Sensor.3"},
         {"name": "2.5", "parent": "Default|1.3"}
     ], "modules": [{"name": "OISDriver", "mode": "Sensor.3|Usecase.SnapshotReprocess"}]})");
-    ProcessResult result = Pack({PathOf("tree.json"), "-o", PathOf("tree.bin")});
+    ProcessResult result = Pack({m_scratch.PathOf("tree.json"), "-o", m_scratch.PathOf("tree.bin")});
     ASSERT_EQ(0, result.exitStatus) << result.err;
 
-    std::vector<uint8_t>        image = ReadBytes(PathOf("tree.bin"));
+    std::vector<uint8_t>        image = ReadBytes(m_scratch.PathOf("tree.bin"));
     ImageSensorModuleSetManager manager;
     ASSERT_TRUE(manager.LoadBinaryParameters(image.data(), image.size())) << manager.m_errorText;
     struct Expected
@@ -248,11 +240,11 @@ class TonemetryPackRefusal : public TonemetryPack, public testing::WithParamInte
 TEST_P(TonemetryPackRefusal, TheSourceIsRefusedWithThePathOfWhatIsWrongAndNoFile)
 {
     WriteSource("bad.json", GetParam().source);
-    ProcessResult result = Pack({PathOf("bad.json"), "-o", PathOf("bad.bin")});
+    ProcessResult result = Pack({m_scratch.PathOf("bad.json"), "-o", m_scratch.PathOf("bad.bin")});
     EXPECT_EQ(2, result.exitStatus);
-    EXPECT_EQ(PathOf("bad.json") + ": " + GetParam().refusal + "\n", result.err);
+    EXPECT_EQ(m_scratch.PathOf("bad.json") + ": " + GetParam().refusal + "\n", result.err);
     EXPECT_EQ("", result.out);
-    EXPECT_FALSE(std::filesystem::exists(PathOf("bad.bin")));
+    EXPECT_FALSE(std::filesystem::exists(m_scratch.PathOf("bad.bin")));
 }
 
 #define SENSOR_SOURCE(modes, modules)                                                                                  \
@@ -309,9 +301,9 @@ TEST_F(TonemetryPack, EveryProblemOfASourceIsToldInOneRun)
     WriteSource("bad.json", SENSOR_SOURCE(ROOT_AND_VIDEO, R"([
         {"name": "actuatorDriver", "values": {"slaveInfo": {"slaveAddress": 65536, "actuatorType": 2}}},
         {"name": "sensorBinSocIdMap", "values": {"socIdInfo": [{"socIds": "415"}], "version": 1}}])"));
-    ProcessResult result = Pack({PathOf("bad.json"), "-o", PathOf("bad.bin")});
+    ProcessResult result = Pack({m_scratch.PathOf("bad.json"), "-o", m_scratch.PathOf("bad.bin")});
     EXPECT_EQ(2, result.exitStatus);
-    const std::string prefix = PathOf("bad.json") + ": ";
+    const std::string prefix = m_scratch.PathOf("bad.json") + ": ";
     EXPECT_EQ(prefix + "/modules/0/values/slaveInfo/slaveAddress: 65536 is out of range for UInt16 (0 to 65535)\n" +
                   prefix + "/modules/0/values/slaveInfo/actuatorType: 2 is not a value of ActuatorType (0 to 1)\n" +
                   prefix + "/modules/1/values/version: unknown member 'version' of SensorBinSocIdMap\n" + prefix +
@@ -324,31 +316,34 @@ TEST_F(TonemetryPack, BadArgumentsUnreadableInputAndAVersionTooOldAreRefusedAndA
     WriteSource("empty.json", SENSOR_SOURCE(ROOT_AND_VIDEO, "[]"));
     WriteSource("broken.json", R"({"setManager": )");
 
-    ProcessResult noOutput = Pack({PathOf("empty.json")});
+    ProcessResult noOutput = Pack({m_scratch.PathOf("empty.json")});
     EXPECT_EQ(2, noOutput.exitStatus);
     EXPECT_NE(std::string::npos, noOutput.err.find("--output is required"));
 
-    ProcessResult badVersion = Pack({PathOf("empty.json"), "-o", PathOf("x.bin"), "--version", "5.0"});
+    ProcessResult badVersion =
+        Pack({m_scratch.PathOf("empty.json"), "-o", m_scratch.PathOf("x.bin"), "--version", "5.0"});
     EXPECT_EQ(2, badVersion.exitStatus);
     EXPECT_EQ("tonemetry pack: --version '5.0' is no version major.minor.patch\n", badVersion.err);
 
-    ProcessResult broken = Pack({PathOf("broken.json"), "-o", PathOf("x.bin")});
+    ProcessResult broken = Pack({m_scratch.PathOf("broken.json"), "-o", m_scratch.PathOf("x.bin")});
     EXPECT_EQ(2, broken.exitStatus);
-    EXPECT_EQ(0u, broken.err.find(PathOf("broken.json") + ": not valid JSON"));
+    EXPECT_EQ(0u, broken.err.find(m_scratch.PathOf("broken.json") + ": not valid JSON"));
 
-    ProcessResult missing = Pack({PathOf("missing.json"), "-o", PathOf("x.bin")});
+    ProcessResult missing = Pack({m_scratch.PathOf("missing.json"), "-o", m_scratch.PathOf("x.bin")});
     EXPECT_EQ(2, missing.exitStatus);
-    EXPECT_EQ(PathOf("missing.json") + ": cannot be read\n", missing.err);
+    EXPECT_EQ(m_scratch.PathOf("missing.json") + ": cannot be read\n", missing.err);
 
     WriteSource("pinned.json",
                 SENSOR_SOURCE(R"([{"name": "Default"}, {"name": "Usecase.Video", "pinned": true}])", "[]"));
-    ProcessResult pinned = Pack({PathOf("pinned.json"), "-o", PathOf("x.bin"), "--version", "2.0.0"});
+    ProcessResult pinned =
+        Pack({m_scratch.PathOf("pinned.json"), "-o", m_scratch.PathOf("x.bin"), "--version", "2.0.0"});
     EXPECT_EQ(2, pinned.exitStatus);
-    EXPECT_EQ(PathOf("pinned.json") + ": /modes/1: the pinned flag needs version 5.0.0 or above\n", pinned.err);
+    EXPECT_EQ(m_scratch.PathOf("pinned.json") + ": /modes/1: the pinned flag needs version 5.0.0 or above\n",
+              pinned.err);
 
-    ProcessResult unwritable = Pack({PathOf("empty.json"), "-o", PathOf("no/such/folder/x.bin")});
+    ProcessResult unwritable = Pack({m_scratch.PathOf("empty.json"), "-o", m_scratch.PathOf("no/such/folder/x.bin")});
     EXPECT_EQ(2, unwritable.exitStatus);
-    EXPECT_EQ("tonemetry pack: " + PathOf("no/such/folder/x.bin") + ": cannot be written\n", unwritable.err);
+    EXPECT_EQ("tonemetry pack: " + m_scratch.PathOf("no/such/folder/x.bin") + ": cannot be written\n", unwritable.err);
 }
 } // namespace
 
@@ -380,10 +375,11 @@ TEST_F(TonemetryPack, EditsOfTheLivePagePackAsTheSourceEditedByHand)
     WriteSource("byhand.json", byHand.dump());
     WriteSource("edits.json", edits.dump());
 
-    ProcessResult edited = Pack({PathOf("source.json"), "--edits", PathOf("edits.json"), "-o", PathOf("edited.bin")});
+    ProcessResult edited = Pack({m_scratch.PathOf("source.json"), "--edits", m_scratch.PathOf("edits.json"), "-o",
+                                 m_scratch.PathOf("edited.bin")});
     ASSERT_EQ(0, edited.exitStatus) << edited.err;
-    ASSERT_EQ(0, Pack({PathOf("byhand.json"), "-o", PathOf("byhand.bin")}).exitStatus);
-    EXPECT_EQ(ReadBytes(PathOf("byhand.bin")), ReadBytes(PathOf("edited.bin")));
+    ASSERT_EQ(0, Pack({m_scratch.PathOf("byhand.json"), "-o", m_scratch.PathOf("byhand.bin")}).exitStatus);
+    EXPECT_EQ(ReadBytes(m_scratch.PathOf("byhand.bin")), ReadBytes(m_scratch.PathOf("edited.bin")));
 }
 
 TEST_F(TonemetryPack, AnEditOfWhatTheSourceDoesNotHaveIsRefusedAtItsPathAndNoFile)
@@ -413,9 +409,10 @@ TEST_F(TonemetryPack, AnEditOfWhatTheSourceDoesNotHaveIsRefusedAtItsPathAndNoFil
     for (const RefusedEdit& refused : cases)
     {
         WriteSource("edits.json", std::string(R"({"edits": [)") + refused.edit + "]}");
-        ProcessResult result = Pack({PathOf("source.json"), "--edits", PathOf("edits.json"), "-o", PathOf("out.bin")});
+        ProcessResult result = Pack({m_scratch.PathOf("source.json"), "--edits", m_scratch.PathOf("edits.json"), "-o",
+                                     m_scratch.PathOf("out.bin")});
         EXPECT_EQ(2, result.exitStatus) << refused.edit;
-        EXPECT_EQ(PathOf(refused.refusal) + "\n", result.err) << refused.edit;
-        EXPECT_FALSE(std::filesystem::exists(PathOf("out.bin")));
+        EXPECT_EQ(m_scratch.PathOf(refused.refusal) + "\n", result.err) << refused.edit;
+        EXPECT_FALSE(std::filesystem::exists(m_scratch.PathOf("out.bin")));
     }
 }

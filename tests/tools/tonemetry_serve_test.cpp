@@ -10,12 +10,12 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "serverprocess.h"
+#include "scratchdirectory.h"
 #include "subprocess.h"
 
 namespace
@@ -33,20 +33,14 @@ class TonemetryServe : public testing::Test
 protected:
     void SetUp() override
     {
-        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetryserve.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory = pattern;
         // Modes only: the tuning modules are the catalogue's, and the link answers without them.
-        std::ofstream(PathOf("modes.json")) << R"({"setManager": "TuningSetManager", "binaryTag": "bench camera",
+        std::ofstream(m_scratch.PathOf("modes.json"))
+            << R"({"setManager": "TuningSetManager", "binaryTag": "bench camera",
                    "modes": [{"name": "Default"}, {"name": "Usecase.Video"}, {"name": "Usecase.Preview"}],
                    "modules": []})";
-        ProcessResult packed = Run({"pack", PathOf("modes.json"), "-o", PathOf("modes.bin")});
+        ProcessResult packed = Run({"pack", m_scratch.PathOf("modes.json"), "-o", m_scratch.PathOf("modes.bin")});
         ASSERT_EQ(0, packed.exitStatus) << packed.err;
     }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
-
-    std::string PathOf(const std::string& name) const { return m_directory + "/" + name; }
 
     ProcessResult Run(const std::vector<std::string>& arguments) const
     {
@@ -60,7 +54,8 @@ protected:
         return Run(all);
     }
 
-    std::string m_directory;
+    testsupport::ScratchDirectory m_scratch{"tonemetryserve"};
+    const std::string             m_directory = m_scratch.Path();
 };
 
 TEST_F(TonemetryServe, ServesUntilSigintOrSigtermInBothModes)
@@ -77,7 +72,7 @@ TEST_F(TonemetryServe, ServesUntilSigintOrSigtermInBothModes)
     for (const Case& run : cases)
     {
         std::vector<std::string> arguments = run.arguments;
-        arguments[1]                       = PathOf(arguments[1]);
+        arguments[1]                       = m_scratch.PathOf(arguments[1]);
         SCOPED_TRACE(arguments.back());
         ServerProcess           server(TONEMETRY_EXECUTABLE, arguments, m_directory);
         std::optional<unsigned> port = server.WaitForPort(StartBound);
@@ -100,16 +95,17 @@ TEST_F(TonemetryServe, ServesUntilSigintOrSigtermInBothModes)
 
 TEST_F(TonemetryServe, AFileThatDoesNotLoadExitsWithTheReason)
 {
-    std::ofstream(PathOf("junk.bin")) << "this is no tuning file";
+    std::ofstream(m_scratch.PathOf("junk.bin")) << "this is no tuning file";
     for (std::string name : {"junk.bin", "missing.bin"})
     {
         SCOPED_TRACE(name);
-        ProcessResult served = Run({"serve", PathOf(name)});
+        ProcessResult served = Run({"serve", m_scratch.PathOf(name)});
         EXPECT_EQ(1, served.exitStatus);
         EXPECT_EQ("", served.out) << "no port line for a file that did not load";
-        EXPECT_NE(std::string::npos, served.err.find("tonemetry serve: " + PathOf(name) + ": ")) << served.err;
+        EXPECT_NE(std::string::npos, served.err.find("tonemetry serve: " + m_scratch.PathOf(name) + ": "))
+            << served.err;
     }
-    ProcessResult missing = Run({"serve", PathOf("missing.bin")});
+    ProcessResult missing = Run({"serve", m_scratch.PathOf("missing.bin")});
     EXPECT_NE(std::string::npos, missing.err.find("Failed to load binary file")) << missing.err;
 }
 

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <regex>
 #include <string>
 #include <vector>
@@ -13,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "serverprocess.h"
+#include "scratchdirectory.h"
 #include "subprocess.h"
 
 namespace
@@ -29,17 +29,12 @@ class TonemetryUi : public testing::Test
 protected:
     void SetUp() override
     {
-        std::string pattern = (std::filesystem::path(testing::TempDir()) / "tonemetryui.XXXXXX").string();
-        ASSERT_NE(nullptr, mkdtemp(pattern.data()));
-        m_directory          = pattern;
         m_file               = m_directory + "/tuning.bin";
         ProcessResult packed = testsupport::RunProcess(
             TONEMETRY_EXECUTABLE, {"pack", std::string(VARK_EXAMPLES_DIR) + "/tuning_sample.json", "-o", m_file},
             m_directory);
         ASSERT_EQ(0, packed.exitStatus) << packed.err;
     }
-
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
 
     /// `tonemetry ui SOURCE` on a free loopback port, and a client of it.
     void StartPage(const std::string& source)
@@ -86,7 +81,8 @@ protected:
             .second;
     }
 
-    std::string                      m_directory;
+    testsupport::ScratchDirectory    m_scratch{"tonemetryui"};
+    const std::string                m_directory = m_scratch.Path();
     std::string                      m_file;
     std::unique_ptr<ServerProcess>   m_page;
     std::unique_ptr<httplib::Client> m_client;
