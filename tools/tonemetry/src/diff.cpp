@@ -7,8 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "command.h"
-#include "deviceside.h"
-#include "fileside.h"
 #include "tuningdiff.h"
 
 namespace tonemetry
@@ -22,17 +20,6 @@ struct DiffOptions
     bool        json    = false;
     double      timeout = 3.0; ///< seconds for each request to a device
 };
-
-/// A side named on the command line: `live:HOST[:PORT]` is a device, anything else a file.
-std::unique_ptr<TuningSide> OpenSide(const std::string& name, double timeout, std::string* error)
-{
-    if (0 == name.rfind("live:", 0))
-    {
-        const std::optional<DeviceAddress> device = ParseDevice(name, error);
-        return device ? std::make_unique<DeviceSide>(*device, timeout) : nullptr;
-    }
-    return FileSide::Load(name, error);
-}
 
 nlohmann::ordered_json TextOrNull(const std::optional<std::string>& text)
 {
@@ -83,8 +70,8 @@ void PrintReadable(const TuningDiff& diff)
 int RunDiff(const DiffOptions& options)
 {
     std::string                 error;
-    std::unique_ptr<TuningSide> a = OpenSide(options.a, options.timeout, &error);
-    std::unique_ptr<TuningSide> b = a ? OpenSide(options.b, options.timeout, &error) : nullptr;
+    std::unique_ptr<TuningSide> a = OpenTuningSide(options.a, options.timeout, &error);
+    std::unique_ptr<TuningSide> b = a ? OpenTuningSide(options.b, options.timeout, &error) : nullptr;
     if (!b)
     {
         std::fprintf(stderr, "tonemetry diff: %s\n", error.c_str());

@@ -2,6 +2,7 @@
 #ifndef TONEMETRY_TUNINGSIDE_H
 #define TONEMETRY_TUNINGSIDE_H
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,6 +44,11 @@ public:
     /// What went wrong when the last question got no answer, for the user.
     virtual std::string Trouble() const = 0;
 };
+
+/// The tuning a command line names: `live:HOST[:PORT]` a device, asked with `timeout` seconds
+/// for each request, anything else a file loaded in-process. Null, with the reason in
+/// `*error`, when it cannot be had.
+std::unique_ptr<TuningSide> OpenTuningSide(const std::string& name, double timeout, std::string* error);
 } // namespace tonemetry
 
 #endif // TONEMETRY_TUNINGSIDE_H

@@ -9,10 +9,9 @@
 #include <thread>
 
 #include "command.h"
-#include "deviceside.h"
-#include "fileside.h"
 #include "installpaths.h"
 #include "stopsignals.h"
+#include "tuningside.h"
 #include "uiserver.h"
 
 extern char** environ;
@@ -57,18 +56,7 @@ int RunUi(const UiOptions& options)
     settings.chartFolder = VARK_CHART_JS_DIR;
 
     std::string                 error;
-    std::unique_ptr<TuningSide> side;
-    if (0 == options.source.rfind("live:", 0))
-    {
-        if (const auto device = ParseDevice(options.source, &error))
-        {
-            side = std::make_unique<DeviceSide>(*device, options.timeout);
-        }
-    }
-    else
-    {
-        side = FileSide::Load(options.source, &error);
-    }
+    std::unique_ptr<TuningSide> side = OpenTuningSide(options.source, options.timeout, &error);
     if (!side)
     {
         std::fprintf(stderr, "tonemetry ui: %s\n", error.c_str());
