@@ -186,6 +186,19 @@ function valueRow(mode, path, row) {
   return { line, input };
 }
 
+// Chart.js is fetched the first time an array is plotted, so that the page's first view
+// does not wait for it.
+let chartLoading = null;
+function loadChart() {
+  chartLoading ??= new Promise((resolve, reject) => {
+    const script = element('script', { src: '/chartjs/chart.min.js' });
+    script.addEventListener('load', () => resolve(window.Chart));
+    script.addEventListener('error', () => reject(new Error('Chart.js could not be loaded')));
+    document.head.append(script);
+  });
+  return chartLoading;
+}
+
 function arrayView(mode, path, row, text) {
   const box = element('div');
   const { line, input } = valueRow(mode, path, row);
@@ -200,14 +213,14 @@ function arrayView(mode, path, row, text) {
   table.append(cells);
   box.append(line, table);
   const numbers = elements.map(Number);
-  if (elements.length > 1 && numbers.every(Number.isFinite) && window.Chart) {
+  if (elements.length > 1 && numbers.every(Number.isFinite)) {
     const canvas = element('canvas', { 'data-plot': `${path}.${row.name}` });
     box.append(canvas);
-    new window.Chart(canvas, {
+    loadChart().then((Chart) => new Chart(canvas, {
       type: 'line',
       data: { labels: numbers.map((_, index) => index), datasets: [{ label: row.name, data: numbers, pointRadius: 1 }] },
       options: { animation: false, plugins: { legend: { display: false } } },
-    });
+    })).catch((error) => showStatus(error.message, 'error'));
   }
   return box;
 }
