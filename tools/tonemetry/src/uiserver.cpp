@@ -113,11 +113,8 @@ UiServer::UiServer(std::unique_ptr<TuningSide> side, std::string source, UiSetti
     : m_side(std::move(side)), m_source(std::move(source)), m_settings(std::move(settings)), m_token(RandomToken())
 {
     // An answer goes out in more than one write: without this, the browser's delayed
-    // acknowledgement holds each reply for tens of milliseconds. And a kept-alive connection
-    // is looked at again only every 10 ms by the library as Debian builds it, which a new
-    // loopback connection per request beats.
+    // acknowledgement holds each reply for tens of milliseconds.
     m_server.set_tcp_nodelay(true);
-    m_server.set_keep_alive_max_count(1);
     m_server.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         return Admit(request, response) ? httplib::Server::HandlerResponse::Unhandled
                                         : httplib::Server::HandlerResponse::Handled;
