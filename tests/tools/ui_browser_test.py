@@ -54,8 +54,10 @@ class LiveTuningPage(unittest.TestCase):
         self.directory = tempfile.mkdtemp(prefix='uibrowser.')
         with open(os.path.join(EXAMPLES, 'tuning_sample.json')) as sample:
             source = json.load(sample)
-        # One hardware pattern, so that the page has an array to plot.
-        pattern = {'pixelSeparator': {'inputBlockWidth': 16, 'L_map': [k * k % 97 for k in range(32)]}}
+        # One hardware pattern, so that the page has an array to plot and a list of records
+        # with arrays of equal length for a heat map.
+        pattern = {'pixelSeparator': {'inputBlockWidth': 16, 'L_map': [k * k % 97 for k in range(32)]},
+                   'resampler': {'enable': 1, 'instructions': [{'S': [row + k for k in range(8)]} for row in range(3)]}}
         source['modules'][0]['values']['hardwarePattern'] = [pattern]
         self.source = os.path.join(self.directory, 'source.json')
         with open(self.source, 'w') as out:
@@ -133,6 +135,12 @@ class LiveTuningPage(unittest.TestCase):
         self.open_record('pixelSeparator')
         self.wait.until(expected_conditions.presence_of_element_located(
             (By.CSS_SELECTOR, 'canvas[data-plot="tonemetryPDLib.hardwarePattern[0].pixelSeparator.L_map"]')))
+        self.open_record('resampler')
+        self.click('button[data-heatmaps="tonemetryPDLib.hardwarePattern[0].resampler.instructions"]')
+        heat_map = self.wait.until(expected_conditions.presence_of_element_located(
+            (By.CSS_SELECTOR, 'canvas[data-heatmap="tonemetryPDLib.hardwarePattern[0].resampler.instructions.S"]')))
+        self.assertEqual(('64', '24'), (heat_map.get_attribute('width'), heat_map.get_attribute('height')),
+                         'eight columns of three rows')
 
         # The edit log, exported as the page's button does, packed into the source.
         edits = self.browser.execute_async_script(

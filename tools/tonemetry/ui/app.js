@@ -241,6 +241,9 @@ async function renderRecord(container, mode, path) {
     }
     if (row.type === 'Structure') {
       const names = row.count === undefined ? [row.name] : [...Array(row.count).keys()].map((i) => `${row.name}[${i}]`);
+      if (row.count > 1) {
+        container.append(heatMapButton(mode, path, row.name, names));
+      }
       for (const name of names) {
         const details = element('details');
         details.append(element('summary', { 'data-record': name }, name));
@@ -278,6 +281,70 @@ async function renderRecord(container, mode, path) {
       slot.append(line);
     }
   }
+}
+
+// ---- Heat maps of a list of records whose number arrays have equal lengths --------------
+
+// The arrays of numbers that every record of `records` (paths) holds with one length each:
+// name to rows of numbers, one row a record.
+async function equalRows(mode, records) {
+  let shared = null;
+  const rows = new Map();
+  for (const record of records) {
+    const arrays = (await get('info', { mode, path: record })).rows
+      .filter((row) => row.count !== undefined && row.type !== 'Structure' && row.count > 0);
+    const names = arrays.map((row) => row.name);
+    shared = shared === null ? names : shared.filter((name) => names.includes(name));
+    if (shared.length === 0) {
+      return rows;
+    }
+    const texts = (await get('values', { mode, path: record, names: shared.join(',') })).values;
+    for (const { name, value } of texts) {
+      rows.set(name, [...(rows.get(name) ?? []), value.split(',').map(Number)]);
+    }
+  }
+  for (const [name, table] of rows) {
+    if (!shared.includes(name) || table.some((line) => line.length !== table[0].length || !line.every(Number.isFinite))) {
+      rows.delete(name);
+    }
+  }
+  return rows;
+}
+
+// Rows as cells coloured from blue (least) to red (most).
+function heatMap(key, table) {
+  const cell = 8;
+  const canvas = element('canvas', { 'data-heatmap': key, width: table[0].length * cell, height: table.length * cell });
+  const context = canvas.getContext('2d');
+  const values = table.flat();
+  const least = Math.min(...values);
+  const span = (Math.max(...values) - least) || 1;
+  table.forEach((line, y) => line.forEach((value, x) => {
+    const share = (value - least) / span;
+    context.fillStyle = `hsl(${240 - 240 * share}, 80%, 50%)`;
+    context.fillRect(x * cell, y * cell, cell, cell);
+  }));
+  const figure = element('figure');
+  figure.append(canvas, element('figcaption', {}, `${key}: ${least} to ${least + span}`));
+  return figure;
+}
+
+function heatMapButton(mode, path, name, records) {
+  const button = element('button', { type: 'button', 'data-heatmaps': `${path}.${name}` }, `heat maps of ${name}`);
+  button.addEventListener('click', async () => {
+    button.disabled = true;
+    try {
+      const rows = await equalRows(mode, records.map((record) => `${path}.${record}`));
+      for (const [array, table] of rows) {
+        button.after(heatMap(`${path}.${name}.${array}`, table));
+      }
+      showStatus(rows.size ? `${rows.size} heat map(s) of ${name}` : `${name} has no arrays of equal length`, 'ok');
+    } catch (error) {
+      showStatus(`${name}: ${error.message}`, 'error');
+      button.disabled = false;
+    }
+  });
+  return button;
 }
 
 async function openModule(mode, name) {
