@@ -1,6 +1,12 @@
 // The JSON API of `tonemetry ui` over loopback: every route on a file, the refusals (token,
-// Host, Origin, malformed requests), and a device that goes away in the middle of a session.
+// Host, Origin, malformed requests), and a device that is busy with another client or goes
+// away in the middle of a session.
 #include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -37,11 +43,11 @@ protected:
     }
 
     /// `tonemetry ui SOURCE` on a free loopback port, and a client of it.
-    void StartPage(const std::string& source)
+    void StartPage(const std::string& source, const std::vector<std::string>& extra = {})
     {
-        m_page = std::make_unique<ServerProcess>(
-            TONEMETRY_EXECUTABLE, std::vector<std::string>{"ui", source, "--listen", "127.0.0.1:0", "--no-open"},
-            m_directory);
+        std::vector<std::string> arguments = {"ui", source, "--listen", "127.0.0.1:0", "--no-open"};
+        arguments.insert(arguments.end(), extra.begin(), extra.end());
+        m_page = std::make_unique<ServerProcess>(TONEMETRY_EXECUTABLE, arguments, m_directory);
         const std::optional<std::string> address = m_page->WaitForLine("open http://127.0.0.1:", StartBound);
         ASSERT_TRUE(address.has_value()) << m_page->Err();
         m_port          = std::atoi(address->c_str());
@@ -188,14 +194,37 @@ TEST_F(TonemetryUi, RefusesRequestsFromElsewhereAndMalformedOnes)
               Get("/api/values?mode=Default&path=tonemetryPDLib.correlation&names=" + Threshold).second);
 }
 
-TEST_F(TonemetryUi, ADeviceThatGoesAwayShowsAsDisconnectedAndIsFoundAgain)
+/// A client of the device's link that holds it: the link serves one client at a time.
+class LinkHolder
+{
+public:
+    explicit LinkHolder(unsigned port) : m_socket(socket(AF_INET, SOCK_STREAM, 0))
+    {
+        sockaddr_in address{};
+        address.sin_family      = AF_INET;
+        address.sin_port        = htons(static_cast<uint16_t>(port));
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        m_connected             = 0 == connect(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof(address));
+    }
+    ~LinkHolder() { close(m_socket); }
+    LinkHolder(const LinkHolder&)            = delete;
+    LinkHolder& operator=(const LinkHolder&) = delete;
+
+    bool Connected() const { return m_connected; }
+
+private:
+    int  m_socket;
+    bool m_connected = false;
+};
+
+TEST_F(TonemetryUi, ADeviceThatIsBusyOrGoesAwayIsShownSoAndFoundAgain)
 {
     auto camera =
         std::make_unique<ServerProcess>(TONEMETRY_EXECUTABLE, std::vector<std::string>{"serve", m_file}, m_directory);
     std::optional<unsigned> port = camera->WaitForPort(StartBound);
     ASSERT_TRUE(port.has_value()) << camera->Err();
     const std::string device = "live:127.0.0.1:" + std::to_string(*port);
-    ASSERT_NO_FATAL_FAILURE(StartPage(device));
+    ASSERT_NO_FATAL_FAILURE(StartPage(device, {"--timeout", "0.5"}));
     EXPECT_EQ(json({{"modes", {"Usecase.Video"}}}), Get("/api/modes?mode=Default").second);
     EXPECT_EQ(json({{"name", "vark sample tuning"}, {"version", "1.0"}}), Get("/api/device").second);
     EXPECT_EQ(json({{"values", {{{"name", Threshold}, {"value", "175.0"}}}},
@@ -208,6 +237,18 @@ TEST_F(TonemetryUi, ADeviceThatGoesAwayShowsAsDisconnectedAndIsFoundAgain)
                        {"value", "175"},
                        {"old", "150.0"}}}}}),
               SetThreshold("175"));
+
+    {
+        LinkHolder other(*port);
+        ASSERT_TRUE(other.Connected());
+        const auto [status, body] = Get("/api/modes?mode=Default");
+        EXPECT_EQ(503, status);
+        EXPECT_EQ(json({{"error", "no reply from " + device + " within 0.5 seconds"},
+                        {"disconnected", false},
+                        {"busy", true}}),
+                  body);
+    }
+    EXPECT_EQ(json({{"modes", {"Usecase.Video"}}}), Get("/api/modes?mode=Default").second) << "free again";
 
     camera.reset(); // killed
     const auto [status, body] = Get("/api/modes?mode=Default");

@@ -197,8 +197,13 @@ void UiServer::Answer(httplib::Response& response, const std::function<std::opti
         reply = answer();
         if (!reply)
         {
-            response.status = 503;
-            response.set_content(Json{{"error", m_side->Trouble()}, {"disconnected", true}}.dump(), JsonType);
+            // A device that took the connection but did not answer in time serves another
+            // client (the link serves one at a time): busy, where one that did not take it is
+            // gone.
+            const std::string trouble = m_side->Trouble();
+            const bool        busy    = 0 == trouble.rfind("no reply from", 0);
+            response.status           = 503;
+            response.set_content(Json{{"error", trouble}, {"disconnected", !busy}, {"busy", busy}}.dump(), JsonType);
             return;
         }
     }

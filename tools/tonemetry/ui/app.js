@@ -15,7 +15,7 @@ class ApiError extends Error {
 
 async function reply(response) {
   const body = await response.json();
-  setConnection(response.status !== 503);
+  setConnection(response.status !== 503 ? 'connected' : (body.busy ? 'busy' : 'disconnected'));
   if (!response.ok) {
     throw new ApiError(body.error || response.statusText, response.status === 503);
   }
@@ -39,10 +39,12 @@ function showStatus(text, state) {
   statusLine.dataset.status = state;
 }
 
-function setConnection(connected) {
+// 'connected', 'busy' (the device serves another client) or 'disconnected'; the page asks
+// again at its next refresh.
+function setConnection(state) {
   const element = document.getElementById('connection');
-  element.dataset.connection = connected ? 'connected' : 'disconnected';
-  element.textContent = connected ? '' : 'disconnected, retrying';
+  element.dataset.connection = state;
+  element.textContent = state === 'connected' ? '' : `${state}, retrying`;
 }
 
 function element(tag, attributes = {}, text = '') {
