@@ -194,6 +194,29 @@ TEST_F(TonemetryUi, RefusesRequestsFromElsewhereAndMalformedOnes)
               Get("/api/values?mode=Default&path=tonemetryPDLib.correlation&names=" + Threshold).second);
 }
 
+TEST_F(TonemetryUi, AFileItCannotReadOrAPortInUseIsTrouble)
+{
+    ASSERT_NO_FATAL_FAILURE(StartPage(m_file));
+    const std::string taken = "127.0.0.1:" + std::to_string(m_port);
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        std::string              error;
+    };
+    const Case cases[] = {
+        {{"ui", m_scratch.PathOf("missing.bin"), "--no-open"},
+         "tonemetry ui: " + m_scratch.PathOf("missing.bin") + ": cannot be read\n"},
+        {{"ui", m_file, "--listen", taken, "--no-open"}, "tonemetry ui: cannot listen on " + taken + "\n"},
+    };
+    for (const Case& run : cases)
+    {
+        const ProcessResult result = testsupport::RunProcess(TONEMETRY_EXECUTABLE, run.arguments, m_directory);
+        EXPECT_EQ(2, result.exitStatus);
+        EXPECT_EQ(run.error, result.err);
+        EXPECT_EQ("", result.out);
+    }
+}
+
 /// A client of the device's link that holds it: the link serves one client at a time.
 class LinkHolder
 {

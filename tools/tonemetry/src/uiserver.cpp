@@ -1,5 +1,7 @@
 #include "uiserver.h"
 
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -115,6 +117,12 @@ UiServer::UiServer(std::unique_ptr<TuningSide> side, std::string source, UiSetti
     // An answer goes out in more than one write: without this, the browser's delayed
     // acknowledgement holds each reply for tens of milliseconds.
     m_server.set_tcp_nodelay(true);
+    // The library's default would also share the port with any other server that asks
+    // (SO_REUSEPORT): a second page on a taken port must fail, not split the requests.
+    m_server.set_socket_options([](socket_t sock) {
+        const int yes = 1;
+        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+    });
     m_server.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         return Admit(request, response) ? httplib::Server::HandlerResponse::Unhandled
                                         : httplib::Server::HandlerResponse::Handled;
@@ -127,19 +135,15 @@ UiServer::UiServer(std::unique_ptr<TuningSide> side, std::string source, UiSetti
 
 bool UiServer::Bind(std::string* error)
 {
-    if (0 == m_settings.port)
+    const int wanted = m_settings.port;
+    const int bound  = (0 == wanted) ? m_server.bind_to_any_port(m_settings.host)
+                                     : (m_server.bind_to_port(m_settings.host, wanted) ? wanted : -1);
+    if (bound <= 0)
     {
-        m_settings.port = m_server.bind_to_any_port(m_settings.host);
-    }
-    else if (!m_server.bind_to_port(m_settings.host, m_settings.port))
-    {
-        m_settings.port = -1;
-    }
-    if (m_settings.port <= 0)
-    {
-        *error = "cannot listen on " + m_settings.host + ":" + std::to_string(m_settings.port);
+        *error = "cannot listen on " + m_settings.host + ":" + std::to_string(wanted);
         return false;
     }
+    m_settings.port = bound;
     return true;
 }
 
