@@ -75,6 +75,8 @@ public:
     /// Adds `adjust` to the file's count of users, which opens and closes it.
     void FileReference(int adjust);
 
+    /// Whether this table's manager is inside the load that makes it, alone with it.
+    bool LoadingAlone() const;
     /// The record of a shared object, or null. Callers hold m_dupLock.
     DupObjInfo* FindDupObject(void* object);
     /// The record of (group of `id`, call site, `count`), with its count of holders raised when

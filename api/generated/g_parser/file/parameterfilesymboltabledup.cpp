@@ -34,6 +34,11 @@ ParameterFileSymbolTable::DupSide ParameterFileSymbolTable::SideOf(bool isModule
     return {m_dataLookup, m_dataCount, m_dataDuplicates, m_dataDuplicateCount};
 }
 
+bool ParameterFileSymbolTable::LoadingAlone() const
+{
+    return (nullptr != m_setManager) && m_setManager->LoadingAlone();
+}
+
 DupObjInfo* ParameterFileSymbolTable::FindDupObject(void* object)
 {
     auto found = m_dupObjects.find(object);
@@ -69,8 +74,9 @@ DupObjInfo* ParameterFileSymbolTable::GetDupObject(bool isModule, unsigned int i
     }
 
     // Safe variant: the write side, since a hit raises a count that readers on other threads
-    // would raise at the same time. SetDupObject, which holds it already, nests.
-    ParameterMutexLock        lock(&m_dupLock, false, true);
+    // would raise at the same time. SetDupObject, which holds it already, nests. A load that
+    // is alone with its new tables needs no lock: half the blocks of a large file are shared.
+    ParameterMutexLock        lock(&m_dupLock, false, !LoadingAlone());
     PList<DupObjInfo*> const& records = side.groups[group];
     for (uint32_t index = 0; index < records.count; ++index)
     {
@@ -124,7 +130,7 @@ DupObjInfo* ParameterFileSymbolTable::SetDupObject(bool isModule, unsigned int i
         return nullptr;
     }
 
-    ParameterMutexLock lock(&m_dupLock, false, true);
+    ParameterMutexLock lock(&m_dupLock, false, !LoadingAlone());
     DupObjInfo*        info = GetDupObject(isModule, id, count, file, line);
     if (nullptr == info)
     {
@@ -166,7 +172,7 @@ bool ParameterFileSymbolTable::ReleaseDupObject(void* object)
     {
         return false;
     }
-    ParameterMutexLock lock(&m_dupLock, false, true);
+    ParameterMutexLock lock(&m_dupLock, false, !LoadingAlone());
     DupObjInfo*        info = FindDupObject(object);
     if (nullptr == info)
     {

@@ -31,6 +31,10 @@ class ParameterRavlenWorker;
 class PDLIBVARK_API ParameterSetManager : public IModeTable, public IParameterDataAPI
 {
 public:
+    /// True while a load reads its sections: the tables it makes are reached by nobody else
+    /// until it returns (the load holds m_accessLock exclusive, and the link starts after).
+    bool LoadingAlone() const { return m_loadingAlone; }
+
     /// Section types of the section table.
     enum SectionType : uint32_t
     {
@@ -292,6 +296,8 @@ private:
 
         void Append(RetiredGeneration& other);
     };
+
+    bool m_loadingAlone = false; ///< see LoadingAlone
 
     /// Held for the whole of a public call that may reload the file. A generation replaced
     /// while calls run is freed when the last of them ends: a call's `previous`, or the instance

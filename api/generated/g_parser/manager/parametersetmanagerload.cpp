@@ -335,6 +335,12 @@ bool ParameterSetManager::ReadSections(unsigned char* buffer, unsigned int lengt
                                        ParameterBinaryFile* file, unsigned int fileLength,
                                        unsigned int sectionTableOffset, IModeTable* modeTable, unsigned char alignment)
 {
+    struct LoadingAloneScope
+    {
+        bool& flag;
+        explicit LoadingAloneScope(bool& loading) : flag(loading) { flag = true; }
+        ~LoadingAloneScope() { flag = false; }
+    } alone(m_loadingAlone);
     unsigned int pos = sectionTableOffset;
     if (!ReadSectionInfo(buffer, length, &pos, alignment))
     {
