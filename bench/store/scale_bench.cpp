@@ -27,13 +27,14 @@ std::unique_ptr<TuningSetManager> Manager(bool fileMode)
     return manager;
 }
 
-void BM_ScaleBufferLoad(benchmark::State& state)
+/// Times `load` on a fresh manager in the given mode; the manager's destruction is not timed.
+template <typename Load>
+void TimeLoads(benchmark::State& state, bool fileMode, Load load)
 {
-    std::vector<uint8_t> image = File().image;
     for (auto _ : state)
     {
-        auto manager = Manager(false);
-        if (!manager->LoadBinaryParameters(image.data(), static_cast<unsigned long>(image.size())))
+        auto manager = Manager(fileMode);
+        if (!load(*manager))
         {
             state.SkipWithError("the scale file was refused");
             break;
@@ -42,6 +43,14 @@ void BM_ScaleBufferLoad(benchmark::State& state)
         manager.reset();
         state.ResumeTiming();
     }
+}
+
+void BM_ScaleBufferLoad(benchmark::State& state)
+{
+    std::vector<uint8_t> image = File().image;
+    TimeLoads(state, false, [&image](TuningSetManager& manager) {
+        return manager.LoadBinaryParameters(image.data(), static_cast<unsigned long>(image.size()));
+    });
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * image.size()));
     state.counters["file_MB"] = static_cast<double>(image.size()) / 1e6;
 }
@@ -61,18 +70,7 @@ BENCHMARK(BM_ScaleJsonParse)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 void BM_ScaleFileOpen(benchmark::State& state)
 {
-    for (auto _ : state)
-    {
-        auto manager = Manager(true);
-        if (!manager->LoadBinaryParameters(File().path.c_str()))
-        {
-            state.SkipWithError("the scale file was refused");
-            break;
-        }
-        state.PauseTiming();
-        manager.reset();
-        state.ResumeTiming();
-    }
+    TimeLoads(state, true, [](TuningSetManager& manager) { return manager.LoadBinaryParameters(File().path.c_str()); });
 }
 BENCHMARK(BM_ScaleFileOpen)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
